@@ -1,0 +1,179 @@
+// bxq parse: section texts in, section records and norm checks out (text or JSON lines).
+#include "app/BXQCommand.h"
+
+#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_spec/WeldSectionNormParser.h"
+
+#include <QHash>
+#include <QLocale>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTextStream>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+namespace bxq {
+namespace {
+
+struct Report {
+    GSectionPolyInfo info;
+    bool normValid = false;
+    bool normMatched = false;
+    int normType = -1;
+    QMap<QString, double> normValues;
+    bool rulesOk = false;
+    QStringList failedRules;
+    bool hasBall = false;
+    SKRWeldBallInfo ball;
+};
+
+Report analyse(const QString& text, const QString* ballExpression) {
+    Report report;
+    SKRSectionPolyInfoParser parser;
+    if (ballExpression) {
+        report.ball = parser.parser(text, *ballExpression);
+        report.hasBall = true;
+    } else {
+        parser.parser(text);
+    }
+    report.info = parser.sectionPolyInfo();
+
+    // The norm check sees the text as the parser's welded check does: no blanks, upper case.
+    QString normText = text.simplified();
+    normText.remove(QLatin1Char(' '));
+    normText = normText.toUpper();
+    skr::section::WeldSectionNormParser norms;
+    report.normValid = norms.isValid(normText);
+    report.normMatched = report.normValid && norms.match(normText);
+    report.normType = norms.matchedType();
+    if (report.normMatched) {
+        report.normValues = norms.numericValues();
+        report.rulesOk = norms.checkRules(&report.failedRules);
+    }
+    return report;
+}
+
+QJsonObject numbers(const QMap<QString, double>& values) {
+    QJsonObject object;
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it) object.insert(it.key(), it.value());
+    return object;
+}
+
+QByteArray jsonLine(const QString& text, const Report& r) {
+    QJsonArray params;
+    for (double value : r.info.params) params.append(value);
+    QJsonObject norm{{"valid", r.normValid},
+                     {"matched", r.normMatched},
+                     {"type", r.normType},
+                     {"values", numbers(r.normValues)},
+                     {"rulesOk", r.rulesOk},
+                     {"failedRules", QJsonArray::fromStringList(r.failedRules)}};
+    QJsonObject object{{"text", text},
+                       {"name", r.info.name},
+                       {"typeCode", r.info.typeCode},
+                       {"valueText", r.info.valueText},
+                       {"paramCount", r.info.paramCount},
+                       {"typeIndex", r.info.typeIndex},
+                       {"weldBallCode", r.info.weldBallCode},
+                       {"groupType", static_cast<int>(r.info.groupType)},
+                       {"sectionType", static_cast<int>(r.info.sectionType)},
+                       {"params", params},
+                       {"norm", norm}};
+    if (r.hasBall) {
+        QMap<QString, double> values;
+        for (const auto& value : r.ball.values) values.insert(QString::fromStdWString(value.first), value.second);
+        object.insert(QStringLiteral("weldBall"), QJsonObject{{"code", r.ball.code}, {"values", numbers(values)}});
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QString shortest(double value) { return QString::number(value, 'g', QLocale::FloatingPointShortest); }
+
+QString joined(const QMap<QString, double>& values) {
+    QStringList items;
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it) items << it.key() + '=' + shortest(it.value());
+    return items.join(QLatin1Char(' '));
+}
+
+QByteArray humanText(const QString& text, const Report& r) {
+    QStringList params;
+    for (double value : r.info.params) params << shortest(value);
+    QString out;
+    QTextStream s(&out);
+    s << text << '\n';
+    s << "  name:       " << r.info.name << '\n';
+    s << "  type:       " << r.info.sectionType << "  group: " << r.info.groupType << "  index: " << r.info.typeIndex
+      << '\n';
+    s << "  type code:  " << (r.info.typeCode.isEmpty() ? QStringLiteral("(none)") : r.info.typeCode)
+      << "  values: " << r.info.valueText << '\n';
+    s << "  params:     " << (params.isEmpty() ? QStringLiteral("(none)") : params.join(QStringLiteral(", "))) << '\n';
+    if (!r.normValid) {
+        s << "  norm:       not a welded or ball text\n";
+    } else if (!r.normMatched) {
+        s << "  norm:       no welded format matches\n";
+    } else {
+        s << "  norm:       type " << r.normType << ": " << joined(r.normValues) << '\n';
+        s << "  rules:      " << (r.rulesOk ? QStringLiteral("all hold") : QStringLiteral("failed: ") +
+                                                                            r.failedRules.join(QStringLiteral(", ")))
+          << '\n';
+    }
+    if (r.hasBall) {
+        QMap<QString, double> values;
+        for (const auto& value : r.ball.values) values.insert(QString::fromStdWString(value.first), value.second);
+        s << "  weld ball:  code " << r.ball.code << ": " << joined(values) << '\n';
+    }
+    s.flush();
+    return out.toUtf8();
+}
+
+}  // namespace
+
+int runParse(const QStringList& arguments) {
+    QCommandLineParser cli;
+    cli.setApplicationDescription(QStringLiteral("Parses section specification texts."));
+    cli.addOption({QStringLiteral("json"), QStringLiteral("One JSON object per text, one per line.")});
+    cli.addOption({QStringLiteral("ball-expr"), QStringLiteral("Expression evaluated for ball nodes."),
+                   QStringLiteral("expression")});
+    addLanguageOption(cli);
+    cli.addPositionalArgument(QStringLiteral("text"), QStringLiteral("Section texts; - reads one per line from stdin."),
+                              QStringLiteral("TEXT..."));
+    if (!parseArguments(cli, arguments)) return kUsageError;
+    QStringList texts = cli.positionalArguments();
+    if (texts.isEmpty()) return usageError(QStringLiteral("parse needs at least one TEXT (or - for standard input)"));
+    if (!applyLanguageOption(cli)) return kUsageError;
+
+    const bool json = cli.isSet(QStringLiteral("json"));
+    const QString ballExpression = cli.value(QStringLiteral("ball-expr"));
+    const QString* ball = cli.isSet(QStringLiteral("ball-expr")) ? &ballExpression : nullptr;
+
+    // A take-off repeats its sections many times; each distinct text is analysed once per run.
+    QHash<QString, QByteArray> done;
+    auto write = [&](const QString& text) {
+        auto it = done.constFind(text);
+        if (it == done.constEnd()) {
+            const Report report = analyse(text, ball);
+            if (done.size() > 200000) done.clear();
+            it = done.insert(text, json ? jsonLine(text, report) : humanText(text, report));
+        }
+        std::fwrite(it->constData(), 1, it->size(), stdout);
+    };
+
+    for (const QString& text : texts) {
+        if (text != QLatin1String("-")) {
+            write(text);
+            continue;
+        }
+        std::string line;
+        while (std::getline(std::cin, line)) {
+            if (!line.empty() && line.back() == '\r') line.pop_back();
+            write(QString::fromStdString(line));
+        }
+    }
+    std::fflush(stdout);
+    return 0;
+}
+
+}  // namespace bxq

@@ -1,0 +1,10 @@
+// Installing the translations of the library's user texts.
+#pragma once
+
+#include "plugin/BXQExtendGlobal.h"
+
+#include <QString>
+
+// Installs the translation of the library's texts into language (for example "en") on the
+// application. False when no translation exists for it. Chinese, the source language, needs none.
+BXQEXTEND_EXPORT bool BXQInstallTranslation(const QString& language);

@@ -1,0 +1,434 @@
+// SKRSectionPolyInfoParser: normalising, splitting and reading section specification texts.
+#include "section_spec/SKRSectionPolyInfoParser.h"
+
+#include "section_data/SKRCatalogueLookup.h"
+#include "section_spec/SKRScriptEvaluator.h"
+#include "section_spec/WeldSectionNormParser.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+const QString kUserMark = QStringLiteral("(ZDY)");
+const QString kUserTypeCode = QStringLiteral("ZDY");
+
+bool isDigitAt(const QString& s, int i) { return i < s.size() && s[i].isDigit(); }
+
+int firstDigit(const QString& s) {
+    for (int i = 0; i < s.size(); ++i)
+        if (s[i].isDigit()) return i;
+    return -1;
+}
+
+double plainNumber(const QString& piece) {
+    bool ok = false;
+    const double value = piece.trimmed().toDouble(&ok);
+    // "nan" and "inf" convert, but they are not dimensions.
+    return ok && std::isfinite(value) ? value : 0.0;
+}
+
+}  // namespace
+
+SKRSectionPolyInfoParser::SKRSectionPolyInfoParser()
+    : m_standardTypes{stI,      stChannel,   stEqualAngle, stUnequalAngle, stPipe,
+                      stRoundBar, stHotRolledH, stCSection, stZSection,     stHotRolledT,
+                      stBoxTube, stBoltBall,  stWeldBall},
+      m_weldedTypes{stWeldedH,   stWeldedHUnequal, stWeldedBox, stWeldedPipe,     stWeldedCross, stWeldedT,
+                    stWeldedTaperedH, stWeldedD, stWeldedBB,  stWeldedHVariant, stWeldedTY} {}
+
+QString SKRSectionPolyInfoParser::customSectionKeyword() {
+    return QCoreApplication::translate("SKRSectionPolyDlg", "自定义截面");
+}
+
+void SKRSectionPolyInfoParser::reset() {
+    m_name.clear();
+    m_typeCode.clear();
+    m_valueText.clear();
+    m_params.clear();
+    m_paramCount = 0;
+    m_typeIndex = -1;
+    m_groupType = 0;
+    m_weldBallCode = 0;
+    m_sectionType = stInvalid;
+}
+
+void SKRSectionPolyInfoParser::parser(const QString& text) {
+    reset();
+    m_rawText = text;
+    const bool userSection = text.indexOf(kUserMark) >= 1;
+    m_rawText = m_rawText.simplified();
+    m_rawText.remove(QLatin1Char(' '));
+    if (userSection) {
+        m_name = m_rawText;
+        parserType(m_rawText);
+        m_groupType = sgStandard;
+    } else {
+        m_rawText.remove(QLatin1Char('('));
+        m_rawText.remove(QLatin1Char(')'));
+        m_rawText = standardNameToUpper(m_rawText);
+        m_name = m_rawText;
+        parserType(m_rawText);
+        m_groupType = analyseGroupType();
+    }
+    m_sectionType = analysePolyID();
+    parserParamValue(static_cast<EnSKRSectionGroupType>(m_groupType), static_cast<EnSKRSectionType>(m_sectionType));
+    m_paramCount = m_params.size();
+    applyWeldedNorm(text);
+    if (m_sectionType == stBoltBall || m_sectionType == stWeldBall) m_groupType = sgStandard;
+}
+
+// The welded norms decide types 18 to 21 and confirm the others; they see the text with its
+// brackets, which only the tapered H is written with.
+void SKRSectionPolyInfoParser::applyWeldedNorm(const QString& text) {
+    QString copy = text.simplified();
+    copy.remove(QLatin1Char(' '));
+    copy = copy.toUpper();
+    skr::section::WeldSectionNormParser norms;
+    if (!norms.isValid(copy) || !norms.match(copy)) return;
+    m_sectionType = norms.matchedType();
+    m_groupType = sgWelded;
+    if (m_sectionType >= stWeldedD && m_sectionType <= stWeldedTY) {
+        m_params.clear();
+        const QMap<QString, double> values = norms.numericValues();  // ascending by name
+        for (double value : values) m_params.append(value);
+        m_paramCount = m_params.size();
+        m_typeIndex = m_weldedTypes.indexOf(m_sectionType);
+        if (m_typeIndex < 0) m_typeIndex = m_weldedTypes.size();
+    }
+}
+
+SKRWeldBallInfo SKRSectionPolyInfoParser::parser(const QString& text, const QString& expression) {
+    parser(text);
+    SKRWeldBallInfo info;
+    if (m_sectionType != stBoltBall && m_sectionType != stWeldBall) {
+        m_paramCount = m_params.size();
+        return info;
+    }
+    QMap<QString, double> variables;
+    if (!m_params.isEmpty()) variables.insert(QStringLiteral("D"), m_params[0]);
+    if (!expression.isEmpty()) {
+        if (m_params.size() > 1) variables.insert(QStringLiteral("t"), m_params[1]);
+        const auto result = skr::section::SKRScriptEvaluator::evaluate(variables, expression);
+        if (result.ok) {
+            info.code = result.code;
+            for (auto it = result.newValues.constBegin(); it != result.newValues.constEnd(); ++it)
+                variables.insert(it.key(), it.value());
+        } else {
+            info.code = -1;
+            qWarning("%s: %s", qUtf8Printable(QCoreApplication::translate("SKRSectionPolyDlg", "表达式有误")),
+                     qUtf8Printable(result.error));
+        }
+        m_weldBallCode = info.code;
+    }
+    for (auto it = variables.constBegin(); it != variables.constEnd(); ++it)
+        info.values[it.key().toStdWString()] = it.value();
+    m_params.clear();
+    for (const auto& value : info.values) m_params.append(value.second);
+    m_paramCount = m_params.size();
+    return info;
+}
+
+GSectionPolyInfo SKRSectionPolyInfoParser::sectionPolyInfo() const {
+    GSectionPolyInfo info;
+    info.name = m_name;
+    info.typeCode = m_typeCode;
+    info.valueText = m_valueText;
+    info.paramCount = m_paramCount;
+    info.typeIndex = m_typeIndex;
+    info.weldBallCode = m_weldBallCode;
+    info.groupType = static_cast<EnSKRSectionGroupType>(m_groupType);
+    info.sectionType = static_cast<EnSKRSectionType>(m_sectionType);
+    info.params = m_params;
+    return info;
+}
+
+QString SKRSectionPolyInfoParser::standardNameToUpper(const QString& text) {
+    if (text.isEmpty()) return text;
+    return text.left(text.size() - 1).toUpper() + text.right(1);
+}
+
+void SKRSectionPolyInfoParser::parserType(const QString& s) {
+    if (s.endsWith(kUserMark)) {
+        m_typeCode = kUserTypeCode;
+        const QString dimensions = s.left(s.indexOf(kUserMark));
+        const int digit = firstDigit(dimensions);
+        const int prefixLength = digit < 0 ? dimensions.size() : digit;
+        m_valueText = dimensions.mid(prefixLength);
+        return;
+    }
+    if (isDigitAt(s, 0)) {
+        m_typeCode.clear();
+        m_valueText = s;
+        return;
+    }
+    const QString keyword = customSectionKeyword();
+    if (!keyword.isEmpty() && s.contains(keyword, Qt::CaseInsensitive)) {
+        m_typeCode = keyword;
+        m_valueText = s;
+        m_valueText.remove(keyword, Qt::CaseInsensitive);
+        return;
+    }
+    const int n = s.size();
+    if (n == 1) {
+        m_typeCode = s;
+    } else if (n >= 2 && isDigitAt(s, 1)) {
+        m_typeCode = s.left(1);
+        m_valueText = s.mid(1);
+    } else if (n >= 3) {
+        m_typeCode = s.left(2);
+        m_valueText = s.mid(2);
+        if (!isDigitAt(s, 2)) {
+            m_typeCode = s.left(3);
+            m_valueText = s.mid(3);
+        }
+    }
+}
+
+EnSKRSectionType SKRSectionPolyInfoParser::analysePolyID() {
+    const QString& code = m_typeCode;
+    if (code.isEmpty()) return m_valueText.contains(QLatin1Char('*')) ? stNone : stPlainNumber;
+    if (code == QLatin1String("I")) return stI;
+    if (code == QLatin1String("[")) return stChannel;
+    if (code == QLatin1String("L")) {
+        const int stars = m_valueText.count(QLatin1Char('*'));
+        return stars == 1 ? stEqualAngle : stars == 2 ? stUnequalAngle : stInvalid;
+    }
+    if (code == QLatin1String("D")) return m_valueText.contains(QLatin1Char('*')) ? stPipe : stRoundBar;
+    if (code == QLatin1String("HW") || code == QLatin1String("HM") || code == QLatin1String("HT") ||
+        code == QLatin1String("HN") || code == QLatin1String("HP"))
+        return stHotRolledH;
+    if (code == QLatin1String("C")) return stCSection;
+    if (code == QLatin1String("Z")) return stZSection;
+    if (code == QLatin1String("TN") || code == QLatin1String("TW") || code == QLatin1String("TM"))
+        return stHotRolledT;
+    if (code == QStringLiteral("□")) return stBoxTube;
+    if (code == QLatin1String("H")) {
+        if (m_valueText.contains(QLatin1Char('+'))) return stWeldedCross;
+        if (m_valueText.contains(QLatin1Char('~'))) return stWeldedTaperedH;
+        if (m_valueText.contains(QLatin1Char('/'))) return stWeldedHUnequal;
+        return stWeldedH;
+    }
+    if (code == QLatin1String("T")) return stWeldedT;
+    if (code == QLatin1String("B")) return stWeldedBox;
+    if (code == QLatin1String("HD")) return stWeldedPipe;
+    if (code == QLatin1String("BS")) return stBoltBall;
+    if (code == QLatin1String("WS") || code == QLatin1String("WSR")) return stWeldBall;
+    if (code == customSectionKeyword()) {
+        bool ok = false;
+        const int n = m_valueText.toInt(&ok, 10);
+        // Beyond this the sum leaves the 32-bit type range; such a number names no section.
+        if (!ok || n < 0 || n > INT32_MAX - stCustomBase) return static_cast<EnSKRSectionType>(stCustomBase);
+        return static_cast<EnSKRSectionType>(stCustomBase + n);
+    }
+    if (code == kUserTypeCode) {
+        int id = stInvalid;
+        if (skr::section::SKRCatalogueLookup::userSectionId(m_name, &id)) return static_cast<EnSKRSectionType>(id);
+    }
+    return stInvalid;
+}
+
+EnSKRSectionGroupType SKRSectionPolyInfoParser::analyseGroupType() const {
+    static const QStringList standardCodes{"I",  "[",  "L",  "D",  "HW", "HM", "HT", "HN", "HP", "C",
+                                           "Z",  "TN", "TW", "TM", "□",  "BS", "WS", "WSR", "ZDY"};
+    static const QStringList weldedCodes{"H", "T", "B", "HD"};
+    if (m_typeCode.isEmpty()) return sgNone;
+    if (standardCodes.contains(m_typeCode)) return sgStandard;
+    if (weldedCodes.contains(m_typeCode)) return sgWelded;
+    if (m_typeCode == customSectionKeyword()) return sgCustom;
+    return sgInvalid;
+}
+
+EnSKRSectionGroupType SKRSectionPolyInfoParser::polyGroupType(int type) {
+    if ((type >= stI && type <= stHotRolledT) || (type >= stBoxTube && type <= stWeldBall)) return sgStandard;
+    if (type >= stWeldedH && type <= stWeldedTY) return sgWelded;
+    if (type == stNone || type == stPlainNumber) return sgNone;
+    if (type >= stCustomBase) return sgCustom;
+    return sgInvalid;
+}
+
+QString SKRSectionPolyInfoParser::weldingSteelMark(int type, int ribFlag) {
+    switch (type) {
+    case stWeldedH:
+    case stWeldedHUnequal:
+    case stWeldedCross:
+    case stWeldedTaperedH:
+    case stWeldedHVariant:
+        return QStringLiteral("H");
+    case stWeldedBox: return QStringLiteral("B");
+    case stWeldedPipe: return QStringLiteral("HD");
+    case stWeldedT: return QStringLiteral("T");
+    case stWeldedD: return QStringLiteral("D");
+    case stWeldedBB: return QStringLiteral("BB");
+    case stWeldedTY: return QStringLiteral("TY");
+    case stBoltBall: return QStringLiteral("BS");
+    case stWeldBall: return ribFlag != 0 ? QStringLiteral("WSR") : QStringLiteral("WS");
+    default: return QString();
+    }
+}
+
+QList<double> SKRSectionPolyInfoParser::parserValue(const QString& text, QChar separator) {
+    QList<double> values;
+    const QVector<QStringRef> pieces = text.splitRef(separator, Qt::KeepEmptyParts, Qt::CaseSensitive);
+    values.reserve(pieces.size());
+    for (const QStringRef& piece : pieces) values.append(plainNumber(piece.toString()));
+    return values;
+}
+
+void SKRSectionPolyInfoParser::pushBackParamValues(const QList<double>& values) {
+    for (double value : values) m_params.append(value);
+}
+
+void SKRSectionPolyInfoParser::analyseComplexValue(const QString& text, const QString& pieceSeparator) {
+    const QStringList pieces = text.split(pieceSeparator, Qt::KeepEmptyParts, Qt::CaseSensitive);
+    for (const QString& piece : pieces) {
+        QList<double> values = parserValue(piece.trimmed(), QLatin1Char('*'));
+        applyModified(static_cast<EnSKRSectionType>(m_sectionType), values);
+        pushBackParamValues(values);
+    }
+}
+
+void SKRSectionPolyInfoParser::applyModified(const EnSKRSectionType& type, QList<double>& values) {
+    switch (type) {
+    case stWeldedH:
+        if (values.size() == 4) values.append(values[3]);
+        break;
+    case stWeldedHUnequal:
+        if (values.size() == 3) values.append(values[2]);
+        break;
+    case stWeldedBox:
+        if (values.size() == 3) values.prepend(values[0]);
+        break;
+    case stWeldedCross:
+    case stWeldedTaperedH:
+        if (values.size() == 4) values.append(values[3]);
+        break;
+    default:
+        break;
+    }
+}
+
+void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& group, const EnSKRSectionType& type) {
+    if (group == sgStandard) {
+        const int index = m_standardTypes.indexOf(type);
+        if (index >= 0) m_typeIndex = index;
+        if (type == stI || type == stChannel) {
+            QVector<double> dimensions;
+            if (skr::section::SKRCatalogueLookup::hotRolledDimensions(m_name, type, &dimensions))
+                m_params += dimensions;
+            return;
+        }
+        pushBackParamValues(parserValue(m_valueText, QLatin1Char('*')));
+        return;
+    }
+    if (group == sgWelded) {
+        m_typeIndex = m_weldedTypes.indexOf(type);
+        if (type == stWeldedHUnequal) {
+            analyseComplexValue(m_valueText, QStringLiteral("/"));
+        } else if (type == stWeldedCross) {
+            analyseComplexValue(m_valueText, QStringLiteral("+H"));
+        } else if (type == stWeldedTaperedH) {
+            analyseComplexValue(m_valueText, QStringLiteral("~"));
+        } else {
+            QList<double> values = parserValue(m_valueText, QLatin1Char('*'));
+            applyModified(type, values);
+            pushBackParamValues(values);
+        }
+        return;
+    }
+    if (type == stNone) m_typeIndex = 0;
+    pushBackParamValues(parserValue(m_valueText, QLatin1Char('*')));
+}
+
+QMap<QString, QString> SKRSectionPolyInfoParser::parserParamEqualString(const QString& text, const QString& separator,
+                                                                         QList<QString>& keysInOrder) {
+    QMap<QString, QString> map;
+    const QStringList pieces = text.simplified().trimmed().split(separator, Qt::SkipEmptyParts, Qt::CaseSensitive);
+    for (const QString& rawPiece : pieces) {
+        const QString piece = rawPiece.trimmed();
+        const QString key = piece.section(QLatin1Char('='), 0, 0).trimmed();
+        map.insert(key, piece.section(QLatin1Char('='), 1, 1).trimmed());
+        keysInOrder.append(key);
+    }
+    return map;
+}
+
+QString SKRSectionPolyInfoParser::parseStandardName(int sectionType, int ribFlag, const QString& paramText) {
+    QList<QString> keys;
+    const QMap<QString, QString> values = parserParamEqualString(paramText, QStringLiteral(";"), keys);
+    // A layout lists keys with the separator written before each; a key missing from the
+    // parameter text is left out together with its separator (the short forms).
+    struct Item {
+        const char* separator;
+        QStringList keys;  // first key present wins
+    };
+    auto print = [&values](const QString& mark, std::initializer_list<Item> layout) {
+        QString text = mark;
+        for (const Item& item : layout) {
+            for (const QString& key : item.keys) {
+                if (!values.contains(key)) continue;
+                text += QString::fromLatin1(item.separator) + values.value(key);
+                break;
+            }
+        }
+        return text;
+    };
+    const QString mark = weldingSteelMark(sectionType, ribFlag);
+    QString name;
+    switch (sectionType) {
+    case stWeldedH:
+        name = print(mark, {{"", {"h"}}, {"*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedHUnequal:
+        name = print(mark, {{"", {"h"}}, {"*", {"b1"}}, {"/", {"b2"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedBox:
+        name = print(mark, {{"", {"b1"}}, {"*", {"b2"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedPipe:
+        name = print(mark, {{"", {"d", "D"}}, {"*", {"t"}}});
+        break;
+    case stWeldedCross:
+        name = print(mark, {{"", {"h1"}}, {"*", {"b1"}}, {"*", {"tw1"}}, {"*", {"t1"}}, {"*", {"t2"}},
+                            {"+H", {"h2"}}, {"*", {"b2"}}, {"*", {"tw2"}}, {"*", {"t3"}}, {"*", {"t4"}}});
+        break;
+    case stWeldedT:
+        name = print(mark, {{"", {"h"}}, {"*", {"b"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedTaperedH:
+        name = print(mark, {{"(", {"h1"}}, {"~", {"h2"}}, {")*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedD:
+        name = print(mark, {{"", {"R1"}}, {"~", {"R2"}}, {"*", {"t"}}});
+        break;
+    case stWeldedBB:
+        name = print(mark, {{"", {"B1"}}, {"*", {"B2"}}, {"*", {"b1"}}, {"*", {"b2"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedHVariant:
+        name = print(mark, {{"", {"h1"}}, {"/", {"h2"}}, {"*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
+        break;
+    case stWeldedTY:
+        name = print(mark, {{"", {"R1"}}, {"*", {"R2"}}, {"*", {"r1"}}, {"*", {"r2"}}, {"*", {"t"}}});
+        break;
+    case stBoltBall:
+        name = print(mark, {{"", {"D", "d"}}});
+        break;
+    case stWeldBall:
+        name = print(mark, {{"", {"D", "d"}}, {"*", {"t"}}});
+        break;
+    default: {
+        // Types without a welded mark: their values in the order given, joined by "*".
+        QStringList written;
+        for (const QString& key : keys) written << values.value(key);
+        name = mark + written.join(QLatin1Char('*'));
+        break;
+    }
+    }
+    name.remove(QLatin1Char('('));
+    name.remove(QLatin1Char('['));
+    name.remove(QLatin1Char(')'));
+    name.remove(QLatin1Char(']'));
+    return name;
+}

@@ -1,0 +1,60 @@
+// SKRSectionPolyInfoParser: turns a section specification text as a user types it into a
+// GSectionPolyInfo, and prints specifications back from a type and its parameters.
+#pragma once
+
+#include "plugin/BXQExtendGlobal.h"
+#include "section_spec/GSectionPolyInfo.h"
+#include "section_spec/SKRWeldBallInfo.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class BXQEXTEND_EXPORT SKRSectionPolyInfoParser {
+public:
+    SKRSectionPolyInfoParser();
+
+    // Parses text; never throws. Results are read with sectionPolyInfo().
+    void parser(const QString& text);
+    // Parses a ball-node text and evaluates expression with its "D" and "t".
+    SKRWeldBallInfo parser(const QString& text, const QString& expression);
+
+    GSectionPolyInfo sectionPolyInfo() const;
+    EnSKRSectionGroupType analyseGroupType() const;
+
+    static EnSKRSectionGroupType polyGroupType(int sectionType);
+    static QString weldingSteelMark(int sectionType, int ribFlag);
+    static QList<double> parserValue(const QString& text, QChar separator);
+    static QMap<QString, QString> parserParamEqualString(const QString& text, const QString& separator,
+                                                         QList<QString>& keysInOrder);
+    static QString standardNameToUpper(const QString& text);
+    static QString parseStandardName(int sectionType, int ribFlag, const QString& paramText);
+
+    // The custom-section keyword in the current user-interface language.
+    static QString customSectionKeyword();
+
+private:
+    void parserType(const QString& text);
+    EnSKRSectionType analysePolyID();
+    void parserParamValue(const EnSKRSectionGroupType& groupType, const EnSKRSectionType& sectionType);
+    void analyseComplexValue(const QString& text, const QString& pieceSeparator);
+    void applyModified(const EnSKRSectionType& sectionType, QList<double>& values);
+    void pushBackParamValues(const QList<double>& values);
+    void applyWeldedNorm(const QString& text);
+    void reset();
+
+    QString m_name;
+    QString m_typeCode;
+    QString m_valueText;
+    QVector<double> m_params;
+    QVector<std::int32_t> m_standardTypes;
+    QVector<std::int32_t> m_weldedTypes;
+    std::int32_t m_paramCount = 0;
+    std::int32_t m_typeIndex = -1;
+    std::int32_t m_groupType = 0;
+    std::int32_t m_weldBallCode = 0;
+    QString m_rawText;
+    std::int32_t m_sectionType = stInvalid;
+};

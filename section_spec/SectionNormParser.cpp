@@ -1,0 +1,120 @@
+// SectionNormParser: format expressions, matching with named captures, completions, rules.
+#include "section_spec/SectionNormParser.h"
+
+#include "section_spec/SKRScriptEvaluator.h"
+
+namespace skr {
+namespace section {
+
+SectionNormTable::SectionNormTable(QVector<SectionNormEntry> entries) : m_entries(std::move(entries)) {
+    m_compiled.reserve(m_entries.size());
+    for (const SectionNormEntry& entry : m_entries) {
+        QVector<CompiledFormat> formats;
+        for (const QStringList& format : entry.formats) {
+            CompiledFormat compiled;
+            if (!format.isEmpty() && !entry.paramNames.contains(format.first())) {
+                compiled.literalPrefix = format.first();
+                compiled.digitAfterPrefix = format.size() > 1 && entry.paramNames.contains(format[1]);
+            }
+            compiled.expression.setPattern(SectionNormParser::expressionOf(entry, format));
+            compiled.expression.optimize();
+            formats.append(compiled);
+        }
+        m_compiled.append(formats);
+    }
+}
+
+SectionNormParser::SectionNormParser(QSharedPointer<const SectionNormTable> table) : m_table(std::move(table)) {}
+
+SectionNormParser::~SectionNormParser() = default;
+
+const QVector<SectionNormEntry>& SectionNormParser::entries() const { return m_table->entries(); }
+
+QString SectionNormParser::expressionOf(const SectionNormEntry& entry, const QStringList& format) {
+    QString pattern = QStringLiteral("^");
+    for (const QString& token : format) {
+        if (entry.paramNames.contains(token))
+            pattern += QStringLiteral("(?<%1>\\d+\\.?\\d*)").arg(token);
+        else
+            pattern += QRegularExpression::escape(token);
+    }
+    pattern += QLatin1Char('$');
+    return pattern;
+}
+
+bool SectionNormParser::match(const QString& text) {
+    m_matchedEntry = -1;
+    m_values.clear();
+    const QVector<SectionNormEntry>& all = m_table->entries();
+    for (int e = 0; e < all.size(); ++e) {
+        for (const SectionNormTable::CompiledFormat& format : m_table->formatsOf(e)) {
+            // Cheap rejection before running the expression: most texts fail on their mark.
+            if (!format.literalPrefix.isEmpty()) {
+                if (!text.startsWith(format.literalPrefix)) continue;
+                if (format.digitAfterPrefix) {
+                    const int at = format.literalPrefix.size();
+                    if (at >= text.size() || !text[at].isDigit()) continue;
+                }
+            }
+            const QRegularExpressionMatch found = format.expression.match(text);
+            if (!found.hasMatch()) continue;
+            m_matchedEntry = e;
+            for (const QString& name : all[e].paramNames) {
+                const QString value = found.captured(name);
+                if (!value.isNull()) m_values.insert(name, value);
+            }
+            for (const auto& completion : all[e].completions)
+                if (!m_values.contains(completion.first) && m_values.contains(completion.second))
+                    m_values.insert(completion.first, m_values.value(completion.second));
+            return true;
+        }
+    }
+    return false;
+}
+
+int SectionNormParser::matchedType() const {
+    return m_matchedEntry < 0 ? -1 : m_table->entries()[m_matchedEntry].sectionType;
+}
+
+void SectionNormParser::namedValues(QMap<QString, QString>& values) const { values = m_values; }
+
+const SectionNormEntry* SectionNormParser::matchedEntry() const {
+    return m_matchedEntry < 0 ? nullptr : &m_table->entries()[m_matchedEntry];
+}
+
+QMap<QString, double> SectionNormParser::numericValues() const {
+    QMap<QString, double> numbers;
+    for (auto it = m_values.constBegin(); it != m_values.constEnd(); ++it)
+        numbers.insert(it.key(), it.value().toDouble());
+    return numbers;
+}
+
+bool SectionNormParser::checkRules(QStringList* failedRules) const {
+    const SectionNormEntry* entry = matchedEntry();
+    if (!entry) return false;
+    return SKRScriptEvaluator::checkRules(numericValues(), entry->rules, failedRules);
+}
+
+QString SectionNormParser::exampleText(const SectionNormEntry& entry) {
+    if (entry.formats.isEmpty()) return {};
+    const QStringList* longest = &entry.formats.first();
+    for (const QStringList& format : entry.formats)
+        if (format.size() > longest->size()) longest = &format;
+    // Sample values that satisfy the welded rules: depths large, widths middle, plates thin.
+    auto sample = [](const QString& name) -> QString {
+        const QChar c = name.isEmpty() ? QChar() : name[0];
+        if (name == QLatin1String("h2") || name == QLatin1String("R2") || name == QLatin1String("B2"))
+            return QStringLiteral("300");
+        if (c == QLatin1Char('h') || c == QLatin1Char('R') || c == QLatin1Char('B') || c == QLatin1Char('D') ||
+            c == QLatin1Char('d'))
+            return QStringLiteral("400");
+        if (c == QLatin1Char('b') || c == QLatin1Char('r')) return QStringLiteral("200");
+        return QStringLiteral("10");
+    };
+    QString text;
+    for (const QString& token : *longest) text += entry.paramNames.contains(token) ? sample(token) : token;
+    return text;
+}
+
+}  // namespace section
+}  // namespace skr
