@@ -1,0 +1,53 @@
+// The shared plug-in as the host links it: the exported API works without the internals, and
+// only the exported names are visible in its dynamic symbol table.
+#include "plugin/BXQExtend.h"
+#include "section_data/SKRObjectRegistry.h"
+#include "section_spec/SKRSectionPolyInfoParser.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QProcess>
+
+namespace {
+
+QString dynamicSymbols() {
+    QProcess nm;
+    nm.start(QStringLiteral("nm"), {"-D", "-C", "--defined-only", QStringLiteral(BXQ_PLUGIN_FILE)});
+    nm.waitForFinished(60000);
+    return QString::fromUtf8(nm.readAllStandardOutput());
+}
+
+}  // namespace
+
+TEST(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name};
+    QCoreApplication app(argc, argv);  // the rule check inside the parser needs one
+    BXQExtend marker;
+    SKRSectionPolyInfoParser parser;
+    parser.parser(QStringLiteral("H400*200*8*13"));
+    const GSectionPolyInfo info = parser.sectionPolyInfo();
+    EXPECT_EQ(info.sectionType, stWeldedH);
+    EXPECT_EQ(info.params, (QVector<double>{400, 200, 8, 13, 13}));
+    EXPECT_EQ(SKRSectionPolyInfoParser::weldingSteelMark(1013, 1), QStringLiteral("WSR"));
+
+    int object = 0;
+    EXPECT_TRUE(skr::util::RegisterObject("abi", &object, ""));
+    EXPECT_EQ(skr::util::FetchObject("abi", ""), &object);
+    EXPECT_TRUE(skr::util::UnRegisterObject("abi", ""));
+}
+
+TEST(PluginAbi, OnlyTheHostInterfaceIsExported) {
+    const QString symbols = dynamicSymbols();
+    ASSERT_FALSE(symbols.isEmpty()) << "nm could not read the plug-in";
+    for (const char* exported : {"SKRSectionPolyInfoParser::parser(QString const&)",
+                                 "SKRSectionPolyInfoParser::parseStandardName(int, int, QString const&)",
+                                 "skr::util::RegisterObject", "skr::util::FetchObject",
+                                 "skr::util::UnRegisterObject", "BXQExtend::BXQExtend()"})
+        EXPECT_TRUE(symbols.contains(QLatin1String(exported))) << exported;
+    for (const char* hidden : {"WeldSectionNormParser", "SectionNormParser", "SKRScriptEvaluator",
+                               "SKRCatalogueLookup", "SectionNormTable"})
+        EXPECT_FALSE(symbols.contains(QLatin1String(hidden))) << hidden;
+}
