@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QScriptEngine>
+#include <QHash>
 #include <QScriptValueIterator>
 #include <QSet>
 #include <QTimer>
@@ -29,6 +30,7 @@ public:
     }
 
     QScriptValue evaluate(const QString& script) {
+        m_timedOut = false;
         m_timer.start();
         QScriptValue value = m_engine.evaluate(script);
         m_timer.stop();
@@ -66,17 +68,41 @@ QString SKRScriptEvaluator::declarations(const QMap<QString, double>& values) {
     return script;
 }
 
+// Whether declarations of these names followed by these rules are valid script. The values
+// never change the answer (they are always written as numbers), so it is kept per names and rules.
+static bool rulesAreValidScript(const QMap<QString, double>& values, const QStringList& rules) {
+    static QHash<QString, bool> known;
+    const QString key = QStringList(values.keys()).join(QLatin1Char(',')) + QLatin1Char('\n') +
+                        rules.join(QLatin1Char('\n'));
+    const auto found = known.constFind(key);
+    if (found != known.constEnd()) return *found;
+    const QString declared = SKRScriptEvaluator::declarations(values);
+    const bool valid =
+        QScriptEngine::checkSyntax(declared).state() == QScriptSyntaxCheckResult::Valid &&
+        QScriptEngine::checkSyntax(declared + rules.join(QLatin1Char('\n'))).state() == QScriptSyntaxCheckResult::Valid;
+    if (known.size() > 4096) known.clear();
+    known.insert(key, valid);
+    return valid;
+}
+
 bool SKRScriptEvaluator::checkRules(const QMap<QString, double>& values, const QStringList& rules,
                                     QStringList* failedRules, int timeoutMs) {
-    if (!canRunScripts()) return false;
+    if (!canRunScripts() || !rulesAreValidScript(values, rules)) return false;
     BoundedEngine bounded(timeoutMs);
     const QString declared = declarations(values);
-    if (QScriptEngine::checkSyntax(declared).state() != QScriptSyntaxCheckResult::Valid) return false;
+
+    // Usually every rule holds: one evaluation of the declarations and all rules joined by &&
+    // answers that at once. Otherwise the rules are evaluated one by one to name the failures;
+    // rules have no side effects, so the outcome is the same either way.
+    QStringList joined;
+    for (const QString& rule : rules) joined << QLatin1Char('(') + rule + QLatin1Char(')');
+    const QString all = joined.isEmpty() ? QStringLiteral("true") : joined.join(QStringLiteral(" && "));
+    const QScriptValue together = bounded.evaluate(declared + all);
+    if (!bounded.failed() && together.toBoolean()) return true;
+
+    // The joined text may not have run at all (a rule that is a statement is no operand of &&),
+    // so the values are declared again before the rules are judged one by one.
     bounded.evaluate(declared);
-    if (bounded.failed()) return false;
-    if (QScriptEngine::checkSyntax(declared + rules.join(QLatin1Char('\n'))).state() !=
-        QScriptSyntaxCheckResult::Valid)
-        return false;
 
     bool allHold = true;
     for (int i = 0; i < rules.size(); ++i) {
@@ -85,11 +111,6 @@ bool SKRScriptEvaluator::checkRules(const QMap<QString, double>& values, const Q
         if (!holds) {
             allHold = false;
             if (failedRules) failedRules->append(rules[i]);
-        }
-        if (bounded.timedOut()) {
-            // An aborted engine cannot judge the remaining rules: they count as failed too.
-            if (failedRules) failedRules->append(rules.mid(i + 1));
-            break;
         }
     }
     return allHold;
@@ -105,7 +126,8 @@ SKRScriptEvaluator::Result SKRScriptEvaluator::evaluate(const QMap<QString, doub
     const QString declared = declarations(variables);
     const QScriptSyntaxCheckResult syntax = QScriptEngine::checkSyntax(declared + expression);
     if (syntax.state() != QScriptSyntaxCheckResult::Valid) {
-        result.error = syntax.errorMessage();
+        // An unfinished expression ("D +") is Intermediate and comes without a message.
+        result.error = syntax.errorMessage().isEmpty() ? QStringLiteral("incomplete expression") : syntax.errorMessage();
         return result;
     }
     BoundedEngine bounded(timeoutMs);

@@ -1,0 +1,416 @@
+// The specification parser: normalising, splitting off the type code, deciding type and group,
+// reading and completing the dimensions, and its static helpers.
+#include "plugin/BXQTranslations.h"
+#include "section_spec/SKRSectionPolyInfoParser.h"
+
+#include "section_spec/QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+#include <QTranslator>
+
+#include <cmath>
+
+namespace {
+
+GSectionPolyInfo parse(const QString& text) {
+    SKRSectionPolyInfoParser parser;
+    parser.parser(text);
+    return parser.sectionPolyInfo();
+}
+
+struct Case {
+    const char* text;
+    const char* name;
+    const char* typeCode;
+    const char* valueText;
+    int type;
+    int group;
+    int typeIndex;
+    QVector<double> params;
+};
+
+void expectRecord(const Case& row) {
+    SCOPED_TRACE(row.text);
+    const GSectionPolyInfo info = parse(QString::fromUtf8(row.text));
+    EXPECT_EQ(info.name, QString::fromUtf8(row.name));
+    EXPECT_EQ(info.typeCode, QString::fromUtf8(row.typeCode));
+    EXPECT_EQ(info.valueText, QString::fromUtf8(row.valueText));
+    EXPECT_EQ(info.sectionType, row.type);
+    EXPECT_EQ(info.groupType, row.group);
+    EXPECT_EQ(info.typeIndex, row.typeIndex);
+    EXPECT_EQ(info.params, row.params);
+    EXPECT_EQ(info.paramCount, row.params.size());
+    EXPECT_EQ(info.weldBallCode, 0);
+}
+
+// Removes every translator the library installed on the application, whatever the test did.
+struct TranslationGuard {
+    ~TranslationGuard() {
+        for (QTranslator* translator : QCoreApplication::instance()->findChildren<QTranslator*>()) {
+            QCoreApplication::removeTranslator(translator);
+            delete translator;
+        }
+    }
+};
+
+}  // namespace
+
+TEST(ParseCatalogueSections, CodeValueTypeAndDimensions) {
+    const Case rows[] = {
+        {"hn 400*200*8*13", "HN400*200*8*13", "HN", "400*200*8*13", 7, 1, 6, {400, 200, 8, 13}},
+        {"L100*10", "L100*10", "L", "100*10", 3, 1, 2, {100, 10}},
+        {"L100*80*10", "L100*80*10", "L", "100*80*10", 4, 1, 3, {100, 80, 10}},
+        {"D20", "D20", "D", "20", 6, 1, 5, {20}},
+        {"D89*4", "D89*4", "D", "89*4", 5, 1, 4, {89, 4}},
+        {"c 200*70*20*2", "C200*70*20*2", "C", "200*70*20*2", 8, 1, 7, {200, 70, 20, 2}},
+        {"Z270*80*8*3", "Z270*80*8*3", "Z", "270*80*8*3", 9, 1, 8, {270, 80, 8, 3}},
+        {"TN200*200*8*12", "TN200*200*8*12", "TN", "200*200*8*12", 10, 1, 9, {200, 200, 8, 12}},
+        {"□200*100*8", "□200*100*8", "□", "200*100*8", 1011, 1, 10, {200, 100, 8}},
+        {"BS300", "BS300", "BS", "300", 1012, 1, 11, {300}},
+        {"WS300*8", "WS300*8", "WS", "300*8", 1013, 1, 12, {300, 8}},
+        {"wsr 300*8", "WSR300*8", "WSR", "300*8", 1013, 1, 12, {300, 8}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseCatalogueSections, IAndChannelTakeTheirDimensionsOnlyFromTheCatalogue) {
+    // No catalogue is registered, so the names are not found and no numbers are read from them.
+    const Case rows[] = {
+        {"i20a", "I20a", "I", "20a", 1, 1, 0, {}},
+        {"I20a", "I20a", "I", "20a", 1, 1, 0, {}},
+        {"[20a", "[20a", "[", "20a", 2, 1, 1, {}},
+        {"[ 20b", "[20b", "[", "20b", 2, 1, 1, {}},
+        {"I400*200", "I400*200", "I", "400*200", 1, 1, 0, {}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseWeldedSections, ShortFormsAreCompletedAndLongFormsKept) {
+    const Case rows[] = {
+        {"H400*200*8*13", "H400*200*8*13", "H", "400*200*8*13", 11, 2, 0, {400, 200, 8, 13, 13}},
+        {"H400*200*8*13*12", "H400*200*8*13*12", "H", "400*200*8*13*12", 11, 2, 0, {400, 200, 8, 13, 12}},
+        {"H400.5*200*8*13", "H400.5*200*8*13", "H", "400.5*200*8*13", 11, 2, 0, {400.5, 200, 8, 13, 13}},
+        {"H400*200/300*8*10", "H400*200/300*8*10", "H", "400*200/300*8*10", 12, 2, 1, {400, 200, 300, 8, 10, 10}},
+        {"H400*200/300*8*10*12", "H400*200/300*8*10*12", "H", "400*200/300*8*10*12", 12, 2, 1,
+         {400, 200, 300, 8, 10, 12}},
+        {"B300*10*12", "B300*10*12", "B", "300*10*12", 13, 2, 2, {300, 300, 10, 12}},
+        {"B300*200*10*12", "B300*200*10*12", "B", "300*200*10*12", 13, 2, 2, {300, 200, 10, 12}},
+        {"HD300*10", "HD300*10", "HD", "300*10", 14, 2, 3, {300, 10}},
+        {"H400*200*8*13+H300*150*6*10", "H400*200*8*13+H300*150*6*10", "H", "400*200*8*13+H300*150*6*10", 15, 2,
+         4, {400, 200, 8, 13, 13, 300, 150, 6, 10, 10}},
+        {"H400*200*8*13*12+H300*150*6*10*9", "H400*200*8*13*12+H300*150*6*10*9", "H",
+         "400*200*8*13*12+H300*150*6*10*9", 15, 2, 4, {400, 200, 8, 13, 12, 300, 150, 6, 10, 9}},
+        {"T400*200*10*12", "T400*200*10*12", "T", "400*200*10*12", 16, 2, 5, {400, 200, 10, 12}},
+        // The welded T has no completion of its own in the parser: its short form keeps three values.
+        {"T400*200*10", "T400*200*10", "T", "400*200*10", 16, 2, 5, {400, 200, 10}},
+        {"H(400~300)*200*8*10", "H400~300*200*8*10", "H", "400~300*200*8*10", 17, 2, 6, {400, 300, 200, 8, 10, 10}},
+        {"H(400~300)*200*8*10*12", "H400~300*200*8*10*12", "H", "400~300*200*8*10*12", 17, 2, 6,
+         {400, 300, 200, 8, 10, 12}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseWeldedSections, ShortFormsAreCompletedOnlyAtTheirExactCount) {
+    const struct {
+        const char* text;
+        int type;
+        QVector<double> params;
+    } rows[] = {
+        {"H400*200*8", 11, {400, 200, 8}},
+        {"H400*200*8*13*12*11", 11, {400, 200, 8, 13, 12, 11}},
+        {"B300*10", 13, {300, 10}},
+        {"B300*200*10*12*5", 13, {300, 200, 10, 12, 5}},
+        {"H400*200/300*8", 12, {400, 200, 300, 8}},
+        {"H(400~300)*200*8", 17, {400, 300, 200, 8}},
+        {"H400*200*8+H300*150*6", 15, {400, 200, 8, 300, 150, 6}},
+        {"HD300*10*5", 14, {300, 10, 5}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const GSectionPolyInfo info = parse(QString::fromLatin1(row.text));
+        EXPECT_EQ(info.sectionType, row.type);
+        EXPECT_EQ(info.groupType, sgWelded);
+        EXPECT_EQ(info.params, row.params);
+    }
+}
+
+TEST(ParseWeldedSections, NormOnlyTypesTakeTheirValuesInNameOrder) {
+    const Case rows[] = {
+        {"D500~400*10", "D500~400*10", "D", "500~400*10", 18, 2, 7, {500, 400, 10}},
+        // B1, B2, b1, b2, t1, t2: capitals sort first.
+        {"BB400*300*200*150*10*12", "BB400*300*200*150*10*12", "BB", "400*300*200*150*10*12", 19, 2, 8,
+         {400, 300, 200, 150, 10, 12}},
+        // Written h1/h2*b*tw*t1*t2, held as b, h1, h2, t1, t2, tw.
+        {"H400/300*200*8*10*12", "H400/300*200*8*10*12", "H", "400/300*200*8*10*12", 20, 2, 9,
+         {200, 400, 300, 10, 12, 8}},
+        {"TY400*300*200*150*10", "TY400*300*200*150*10", "TY", "400*300*200*150*10", 21, 2, 10,
+         {400, 300, 200, 150, 10}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseWeldedSections, CodeHIsDecidedByTheSeparatorsPlusFirstThenTildeThenSlash) {
+    const struct {
+        const char* text;
+        int type;
+    } rows[] = {
+        {"H1*2*3+4~5/6", 15}, {"H1*2/3+4", 15}, {"H1~2/3*4", 17}, {"H1*2/3", 12}, {"H1*2*3", 11},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(parse(QString::fromLatin1(row.text)).sectionType, row.type);
+    }
+}
+
+TEST(ParseTypeCodes, EveryCodeGivesItsTypeAndGroup) {
+    const struct {
+        const char* code;
+        int type;
+        int group;
+    } rows[] = {
+        {"I", 1, 1},     {"[", 2, 1},     {"D", 5, 1},     {"HW", 7, 1},   {"HM", 7, 1},    {"HT", 7, 1},
+        {"HN", 7, 1},    {"HP", 7, 1},    {"C", 8, 1},     {"Z", 9, 1},    {"TN", 10, 1},   {"TW", 10, 1},
+        {"TM", 10, 1},   {"□", 1011, 1},  {"BS", 1012, 1}, {"WS", 1013, 1}, {"WSR", 1013, 1}, {"H", 11, 2},
+        {"T", 16, 2},    {"B", 13, 2},    {"HD", 14, 2},   {"X", -1, -1},  {"HX", -1, -1},  {"WSX", -1, -1},
+    };
+    for (const auto& row : rows) {
+        const QString text = QString::fromUtf8(row.code) + QStringLiteral("100*50*5*8");
+        SCOPED_TRACE(text.toStdString());
+        const GSectionPolyInfo info = parse(text);
+        EXPECT_EQ(info.typeCode, QString::fromUtf8(row.code));
+        EXPECT_EQ(info.valueText, QStringLiteral("100*50*5*8"));
+        EXPECT_EQ(info.sectionType, row.type);
+        EXPECT_EQ(info.groupType, row.group);
+    }
+}
+
+TEST(ParseTypeCodes, CodeEndsAtTheFirstDigitWithinThreeCharacters) {
+    const Case rows[] = {
+        {"AB1", "AB1", "AB", "1", -1, -1, -1, {1}},
+        {"ABC12", "ABC12", "ABC", "12", -1, -1, -1, {12}},
+        // No digit within the first three characters: the code is still three characters long.
+        {"ABCD5", "ABCD5", "ABC", "D5", -1, -1, -1, {0}},
+        // One character: it is the code and there are no dimensions.
+        {"H", "H", "H", "", 11, 2, 0, {0}},
+        // Two characters without a digit: nothing is split off, which reads as a bare number.
+        {"HN", "HN", "", "", 6001, 0, -1, {0}},
+        {"", "", "", "", 6001, 0, -1, {0}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseTypeCodes, AngleWithoutOneOrTwoStarsIsInvalidButStaysInTheStandardGroup) {
+    const Case rows[] = {
+        {"L100", "L100", "L", "100", -1, 1, -1, {100}},
+        {"L100*80*10*5", "L100*80*10*5", "L", "100*80*10*5", -1, 1, -1, {100, 80, 10, 5}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseBareDimensions, StarMakesTypeNoneAndASingleNumberIsPlain) {
+    const Case rows[] = {
+        {"200*300", "200*300", "", "200*300", 0, 0, 0, {200, 300}},
+        {" 200 * 300 ", "200*300", "", "200*300", 0, 0, 0, {200, 300}},
+        {"250", "250", "", "250", 6001, 0, -1, {250}},
+        {"7自定义截面", "7自定义截面", "", "7自定义截面", 6001, 0, -1, {0}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseNormalisation, SpacesAndParenthesesGoAndAllButTheLastCharacterIsUpperCased) {
+    const struct {
+        const char* text;
+        const char* name;
+    } rows[] = {
+        {"h 400 * 200 * 8 * 13", "H400*200*8*13"},
+        {"\th400*200*8*13\n", "H400*200*8*13"},
+        {"hn400*200*8*13", "HN400*200*8*13"},
+        {"i20a", "I20a"},
+        {"i20A", "I20A"},
+        {"h(400~300)*200*8*10", "H400~300*200*8*10"},
+        {"((c))200", "C200"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(parse(QString::fromUtf8(row.text)).name, QString::fromUtf8(row.name));
+    }
+}
+
+TEST(ParseNormalisation, NonNumericDimensionsReadAsZero) {
+    const Case rows[] = {
+        {"H400*abc*8*13", "H400*ABC*8*13", "H", "400*ABC*8*13", 11, 2, 0, {400, 0, 8, 13, 13}},
+        {"C200**20*2", "C200**20*2", "C", "200**20*2", 8, 1, 7, {200, 0, 20, 2}},
+        {"X100*10", "X100*10", "X", "100*10", -1, -1, -1, {100, 10}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseUserSections, TextEndingInZdyKeepsItsCaseAndParentheses) {
+    // No user catalogue is registered, so the name is not found: type -1 in the standard group.
+    const Case rows[] = {
+        {"Z270*80*8*3(ZDY)", "Z270*80*8*3(ZDY)", "ZDY", "270*80*8*3", -1, 1, -1, {270, 80, 8, 3}},
+        {"my z 270 * 80(ZDY)", "myz270*80(ZDY)", "ZDY", "270*80", -1, 1, -1, {270, 80}},
+        {"ABC(ZDY)", "ABC(ZDY)", "ZDY", "", -1, 1, -1, {0}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseUserSections, ZdyAtTheStartIsNotAUserSection) {
+    const Case rows[] = {
+        // Parentheses are removed, so "ZDY" becomes the code of an ordinary (unknown) name.
+        {"(ZDY)H400*200*8*13", "ZDYH400*200*8*13", "ZDY", "H400*200*8*13", -1, 1, -1, {0, 200, 8, 13}},
+        {"(ZDY)", "ZDY", "ZDY", "", -1, 1, -1, {0}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseUserSections, LowerCaseMarkIsNotAUserSection) {
+    const GSectionPolyInfo info = parse(QStringLiteral("Z270*80*8*3(zdy)"));
+    EXPECT_EQ(info.name, QStringLiteral("Z270*80*8*3ZDy"));
+    EXPECT_EQ(info.typeCode, QStringLiteral("Z"));
+    EXPECT_EQ(info.sectionType, stZSection);
+}
+
+TEST(ParseCustomSections, KeywordFollowedByANumber) {
+    const Case rows[] = {
+        {"自定义截面7", "自定义截面7", "自定义截面", "7", 7007, 3, -1, {7}},
+        {"自定义截面 12", "自定义截面12", "自定义截面", "12", 7012, 3, -1, {12}},
+        {"自定义截面", "自定义截面", "自定义截面", "", 7000, 3, -1, {0}},
+        {"自定义截面abc", "自定义截面ABc", "自定义截面", "ABc", 7000, 3, -1, {0}},
+    };
+    for (const Case& row : rows) expectRecord(row);
+}
+
+TEST(ParseCustomSections, TranslatedInterfaceRecognisesOnlyItsOwnKeyword) {
+    TranslationGuard guard;
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    ASSERT_EQ(SKRSectionPolyInfoParser::customSectionKeyword(), QStringLiteral("CustomSection"));
+
+    GSectionPolyInfo info = parse(QStringLiteral("CustomSection7"));
+    EXPECT_EQ(info.typeCode, QStringLiteral("CustomSection"));
+    EXPECT_EQ(info.valueText, QStringLiteral("7"));
+    EXPECT_EQ(info.sectionType, 7007);
+    EXPECT_EQ(info.groupType, sgCustom);
+
+    // The keyword is found whatever its case; the code is the keyword itself.
+    info = parse(QStringLiteral("customsection 9"));
+    EXPECT_EQ(info.typeCode, QStringLiteral("CustomSection"));
+    EXPECT_EQ(info.sectionType, 7009);
+
+    info = parse(QStringLiteral("自定义截面7"));
+    EXPECT_NE(info.sectionType, 7007);
+    EXPECT_NE(info.groupType, sgCustom);
+}
+
+TEST(ParseCustomSections, UntranslatedInterfaceDoesNotKnowTheEnglishKeyword) {
+    ASSERT_EQ(SKRSectionPolyInfoParser::customSectionKeyword(), QStringLiteral("自定义截面"));
+    const GSectionPolyInfo info = parse(QStringLiteral("CustomSection7"));
+    EXPECT_EQ(info.sectionType, stInvalid);
+    EXPECT_EQ(info.groupType, sgInvalid);
+}
+
+TEST(AnalyseGroupType, AnswersForTheTypeCodeNotForTheNormResult) {
+    const struct {
+        const char* text;
+        EnSKRSectionGroupType codeGroup;
+        EnSKRSectionGroupType recordGroup;
+    } rows[] = {
+        {"D500~400*10", sgStandard, sgWelded},  // code "D", but the welded norm decides
+        {"WS300*8", sgStandard, sgStandard},
+        {"HD300*10", sgWelded, sgWelded},
+        {"BB400*300*200*150*10*12", sgInvalid, sgWelded},
+        {"200*300", sgNone, sgNone},
+        {"X1", sgInvalid, sgInvalid},
+        {"自定义截面7", sgCustom, sgCustom},
+        {"Z1(ZDY)", sgStandard, sgStandard},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        SKRSectionPolyInfoParser parser;
+        parser.parser(QString::fromUtf8(row.text));
+        EXPECT_EQ(parser.analyseGroupType(), row.codeGroup);
+        EXPECT_EQ(parser.sectionPolyInfo().groupType, row.recordGroup);
+    }
+}
+
+TEST(ParserValue, EverySeparatorStartsAValueAndBadPiecesReadAsZero) {
+    const struct {
+        const char* text;
+        char separator;
+        QList<double> values;
+    } rows[] = {
+        {"200**8", '*', {200, 0, 8}},
+        {"", '*', {0}},
+        {"*", '*', {0, 0}},
+        {" 12 * 3.5 ", '*', {12, 3.5}},
+        {"400.5*.5*8.", '*', {400.5, 0.5, 8}},
+        {"nan*inf*-inf*NaN", '*', {0, 0, 0, 0}},
+        {"abc*12a", '*', {0, 0}},
+        {"1/2/3", '/', {1, 2, 3}},
+        {"1*2", '/', {0}},
+        {"-5*1e3", '*', {-5, 1000}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const QString text = QString::fromLatin1(row.text);
+        const QList<double> values = SKRSectionPolyInfoParser::parserValue(text, QLatin1Char(row.separator));
+        EXPECT_EQ(values, row.values);
+        EXPECT_EQ(values.size(), text.count(QLatin1Char(row.separator)) + 1);
+        for (double value : values) EXPECT_TRUE(std::isfinite(value));
+    }
+}
+
+TEST(ParserParamEqualString, RepeatedKeyIsListedTwiceButHeldOnceWithTheLastValue) {
+    QList<QString> keys;
+    const QMap<QString, QString> map =
+        SKRSectionPolyInfoParser::parserParamEqualString(QStringLiteral("h=400;b=200;h=500"), QStringLiteral(";"), keys);
+    EXPECT_EQ(keys, (QList<QString>{"h", "b", "h"}));
+    EXPECT_EQ(map.size(), 2);
+    EXPECT_EQ(map.value("h"), QStringLiteral("500"));
+    EXPECT_EQ(map.value("b"), QStringLiteral("200"));
+}
+
+TEST(ParserParamEqualString, EmptyPiecesAreDroppedAndPiecesTrimmed) {
+    QList<QString> keys;
+    const QMap<QString, QString> map = SKRSectionPolyInfoParser::parserParamEqualString(
+        QStringLiteral("  t1=13 ;;\n tw=8;  "), QStringLiteral(";"), keys);
+    EXPECT_EQ(keys, (QList<QString>{"t1", "tw"}));
+    EXPECT_EQ(map.value("t1"), QStringLiteral("13"));
+    EXPECT_EQ(map.value("tw"), QStringLiteral("8"));
+}
+
+TEST(ParserParamEqualString, ValueEndsAtTheNextEqualsSignAndAMissingValueIsEmpty) {
+    QList<QString> keys;
+    const QMap<QString, QString> map =
+        SKRSectionPolyInfoParser::parserParamEqualString(QStringLiteral("a=1=2;b"), QStringLiteral(";"), keys);
+    EXPECT_EQ(keys, (QList<QString>{"a", "b"}));
+    EXPECT_EQ(map.value("a"), QStringLiteral("1"));
+    EXPECT_TRUE(map.contains("b"));
+    EXPECT_TRUE(map.value("b").isEmpty());
+}
+
+TEST(ParserParamEqualString, SeparatorIsCaseSensitive) {
+    QList<QString> keys;
+    const QMap<QString, QString> map =
+        SKRSectionPolyInfoParser::parserParamEqualString(QStringLiteral("a=1Xb=2xc=3"), QStringLiteral("x"), keys);
+    EXPECT_EQ(keys, (QList<QString>{"a", "c"}));
+    EXPECT_EQ(map.value("a"), QStringLiteral("1Xb"));
+    EXPECT_EQ(map.value("c"), QStringLiteral("3"));
+}
+
+TEST(StandardNameToUpper, AllButTheLastCharacterAreUpperCased) {
+    const struct {
+        const char* text;
+        const char* upper;
+    } rows[] = {
+        {"", ""},         {"a", "a"},       {"ab", "Ab"},        {"i20a", "I20a"},
+        {"[20b", "[20b"}, {"hn400*200*8*13", "HN400*200*8*13"}, {"wsr300*8", "WSR300*8"},
+        {"H400*200*8*13", "H400*200*8*13"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(SKRSectionPolyInfoParser::standardNameToUpper(QString::fromLatin1(row.text)),
+                  QString::fromLatin1(row.upper));
+    }
+}
