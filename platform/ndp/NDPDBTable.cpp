@@ -4,21 +4,12 @@
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPQueryExpression.h"
+#include "ndp/NDPSqlText.h"
 
 #include <sqlite3.h>
 
 namespace ndp {
 namespace {
-
-std::string quoted(const std::wstring& name) {
-    const std::string utf8 = QString::fromStdWString(name).toStdString();
-    std::string out = "\"";
-    for (char c : utf8) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
 
 QVariant columnValue(sqlite3_stmt* stmt, int column, EnDBFieldKind kind) {
     switch (sqlite3_column_type(stmt, column)) {
@@ -83,7 +74,7 @@ CDBTable::~CDBTable() {
     for (auto& entry : m_statements) sqlite3_finalize(entry.second);
 }
 
-std::string CDBTable::quotedTable() const { return quoted(m_name); }
+std::string CDBTable::quotedTable() const { return sqlIdentifier(m_name); }
 
 std::wstring CDBTable::GetFieldName(int index) const {
     return index >= 0 && index < GetFieldCount() ? m_fields[static_cast<size_t>(index)].GetName() : std::wstring();
@@ -127,7 +118,7 @@ CFileAddress CDBTable::AddRecord(CDBRecord* record, bool) {
     std::string sql = "INSERT INTO " + quotedTable() + " (";
     std::string values;
     for (size_t i = 0; i < m_fields.size(); ++i) {
-        sql += (i ? ", " : "") + quoted(m_fields[i].GetName());
+        sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName());
         values += (i ? ", ?" : "?") + std::to_string(i + 1);
     }
     sql = m_fields.empty() ? "INSERT INTO " + quotedTable() + " DEFAULT VALUES" : sql + ") VALUES (" + values + ")";
@@ -150,7 +141,7 @@ bool CDBTable::ModifyRecord(CDBRecord* record) {
         return false;
     std::string sql = "UPDATE " + quotedTable() + " SET ";
     for (size_t i = 0; i < m_fields.size(); ++i)
-        sql += (i ? ", " : "") + quoted(m_fields[i].GetName()) + " = ?" + std::to_string(i + 1);
+        sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName()) + " = ?" + std::to_string(i + 1);
     sql += " WHERE kdb_addr = ?" + std::to_string(m_fields.size() + 1);
     sqlite3_stmt* stmt = statement(sql);
     if (!stmt) return false;
@@ -180,7 +171,7 @@ bool CDBTable::DeleteRecord(CFileAddress address) {
 
 CDBRecord* CDBTable::GetRecord(CFileAddress address) {
     std::string sql = "SELECT ";
-    for (size_t i = 0; i < m_fields.size(); ++i) sql += (i ? ", " : "") + quoted(m_fields[i].GetName());
+    for (size_t i = 0; i < m_fields.size(); ++i) sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName());
     if (m_fields.empty()) sql += "kdb_addr";
     sql += " FROM " + quotedTable() + " WHERE kdb_addr = ?1";
     sqlite3_stmt* stmt = statement(sql);
@@ -201,28 +192,26 @@ bool CDBTable::ListAll(CFileAddressList& addresses) {
     return listAddresses(stmt, addresses);
 }
 
-bool CDBTable::Find(int field, std::int64_t key, CFileAddress& address, bool) {
+bool CDBTable::searchKey(int field, std::int64_t key, CFileAddressList& addresses, bool firstOnly) {
     if (field < 0 || field >= GetFieldCount()) return false;
     sqlite3_stmt* stmt = statement("SELECT kdb_addr FROM " + quotedTable() + " WHERE " +
-                                   quoted(m_fields[static_cast<size_t>(field)].GetName()) +
-                                   " = ?1 ORDER BY kdb_addr LIMIT 1");
-    if (!stmt) return false;
-    StatementUse use{stmt};
-    sqlite3_bind_int64(stmt, 1, key);
-    if (sqlite3_step(stmt) != SQLITE_ROW) return false;
-    address = sqlite3_column_int64(stmt, 0);
-    return true;
-}
-
-bool CDBTable::Search(int field, std::int64_t key, CFileAddressList& addresses, bool) {
-    if (field < 0 || field >= GetFieldCount()) return false;
-    sqlite3_stmt* stmt = statement("SELECT kdb_addr FROM " + quotedTable() + " WHERE " +
-                                   quoted(m_fields[static_cast<size_t>(field)].GetName()) +
-                                   " = ?1 ORDER BY kdb_addr");
+                                   sqlIdentifier(m_fields[static_cast<size_t>(field)].GetName()) +
+                                   " = ?1 ORDER BY kdb_addr" + (firstOnly ? " LIMIT 1" : ""));
     if (!stmt) return false;
     StatementUse use{stmt};
     sqlite3_bind_int64(stmt, 1, key);
     return listAddresses(stmt, addresses) && addresses.GetCount() > 0;
+}
+
+bool CDBTable::Find(int field, std::int64_t key, CFileAddress& address, bool) {
+    CFileAddressList found;
+    if (!searchKey(field, key, found, true)) return false;
+    address = found.GetItem(0);
+    return true;
+}
+
+bool CDBTable::Search(int field, std::int64_t key, CFileAddressList& addresses, bool) {
+    return searchKey(field, key, addresses, false);
 }
 
 bool CDBTable::Query(const std::wstring& expression, CFileAddressList& addresses, bool) {
@@ -230,7 +219,7 @@ bool CDBTable::Query(const std::wstring& expression, CFileAddressList& addresses
     if (!parseQueryExpression(expression, *this, terms)) return false;
     std::string sql = "SELECT kdb_addr FROM " + quotedTable() + " WHERE ";
     for (size_t i = 0; i < terms.size(); ++i)
-        sql += (i ? " AND " : "") + quoted(m_fields[static_cast<size_t>(terms[i].field)].GetName()) + " = ?" +
+        sql += (i ? " AND " : "") + sqlIdentifier(m_fields[static_cast<size_t>(terms[i].field)].GetName()) + " = ?" +
                std::to_string(i + 1);
     sqlite3_stmt* stmt = statement(sql + " ORDER BY kdb_addr");
     if (!stmt) return false;

@@ -56,6 +56,7 @@ private:
     CDBTable(CDatabase* database, std::wstring name, std::vector<CDBField> fields);
     sqlite3_stmt* statement(const std::string& sql);
     bool listAddresses(sqlite3_stmt* statement, CFileAddressList& addresses);
+    bool searchKey(int field, std::int64_t key, CFileAddressList& addresses, bool firstOnly);
     std::string quotedTable() const;
 
     CDatabase* m_database;

@@ -2,6 +2,7 @@
 #include "ndp/NDPDatabase.h"
 
 #include "ndp/NDPDBTable.h"
+#include "ndp/NDPSqlText.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -13,16 +14,6 @@ namespace {
 
 // Field order and kinds, which SQLite's own schema does not keep in a form we can trust.
 const char kSchemaTable[] = "kdb_fields";
-
-std::string quoted(const std::wstring& name) {
-    std::string utf8 = QString::fromStdWString(name).toStdString();
-    std::string out = "\"";
-    for (char c : utf8) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
 
 const char* sqlType(EnDBFieldKind kind) {
     switch (kind) {
@@ -182,17 +173,17 @@ std::vector<std::wstring> CDatabase::GetTableNames() const {
 
 CDBTable* CDatabase::CreateTable(const std::wstring& name, const std::vector<CDBField>& fields) {
     if (!m_db || m_readOnly || name.empty() || m_schema.count(name)) return nullptr;
-    std::string create = "CREATE TABLE " + quoted(name) + " (kdb_addr INTEGER PRIMARY KEY AUTOINCREMENT";
+    std::string create = "CREATE TABLE " + sqlIdentifier(name) + " (kdb_addr INTEGER PRIMARY KEY AUTOINCREMENT";
     std::vector<std::string> statements;
     for (size_t i = 0; i < fields.size(); ++i) {
         if (fields[i].GetName().empty()) return nullptr;
         for (size_t j = 0; j < i; ++j)
             if (fields[j].GetName() == fields[i].GetName()) return nullptr;
-        create += ", " + quoted(fields[i].GetName()) + " " + sqlType(fields[i].GetKind());
+        create += ", " + sqlIdentifier(fields[i].GetName()) + " " + sqlType(fields[i].GetKind());
         if (fields[i].IsKey()) {
             const std::wstring index = L"kdb_index_" + name + L"_" + fields[i].GetName();
-            statements.push_back("CREATE INDEX " + quoted(index) + " ON " + quoted(name) + " (" +
-                                 quoted(fields[i].GetName()) + ")");
+            statements.push_back("CREATE INDEX " + sqlIdentifier(index) + " ON " + sqlIdentifier(name) + " (" +
+                                 sqlIdentifier(fields[i].GetName()) + ")");
         }
     }
     statements.insert(statements.begin(), create + ")");

@@ -10,12 +10,6 @@
 
 namespace {
 
-GSectionPolyInfo parse(const QString& text) {
-    SKRSectionPolyInfoParser parser;
-    parser.parser(text);
-    return parser.sectionPolyInfo();
-}
-
 struct GroupRange {
     int first;
     int last;

@@ -13,12 +13,6 @@
 
 namespace {
 
-GSectionPolyInfo parse(const QString& text) {
-    SKRSectionPolyInfoParser parser;
-    parser.parser(text);
-    return parser.sectionPolyInfo();
-}
-
 struct Case {
     const char* text;
     const char* name;
