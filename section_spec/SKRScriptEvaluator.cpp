@@ -1,39 +1,39 @@
 // SKRScriptEvaluator: norm rules and ball expressions on a fresh Qt Script engine.
 #include "section_spec/SKRScriptEvaluator.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-#include <QLocale>
-#include <QScriptEngine>
+#include <QElapsedTimer>
 #include <QHash>
+#include <QLocale>
+#include <QPointer>
+#include <QScriptEngine>
 #include <QScriptValueIterator>
 #include <QSet>
-#include <QTimer>
 
 namespace skr {
 namespace section {
 namespace {
 
-// A script engine that aborts any evaluation running longer than the time limit. The engine
-// polls the event loop only once a script has run for kPollMs, so ordinary scripts never
-// process events; a runaway one lets the timer fire and is aborted.
+// A script engine that aborts any evaluation running longer than its time limit. Once a script
+// has run for kPollMs the engine polls the event loop; the dispatcher then wakes up and the
+// watchdog below aborts the script if its time is up. Ordinary scripts never poll, so the bound
+// costs nothing but a clock start per evaluation.
 class BoundedEngine {
 public:
-    explicit BoundedEngine(int timeoutMs) {
+    explicit BoundedEngine(int timeoutMs) : m_timeoutMs(timeoutMs) {
         constexpr int kPollMs = 50;
         m_engine.setProcessEventsInterval(kPollMs);
-        m_timer.setSingleShot(true);
-        m_timer.setInterval(timeoutMs);
-        QObject::connect(&m_timer, &QTimer::timeout, [this] {
-            m_timedOut = true;
-            m_engine.abortEvaluation();
-        });
+        watchDispatcher();
     }
 
     QScriptValue evaluate(const QString& script) {
         m_timedOut = false;
-        m_timer.start();
+        m_clock.start();
+        BoundedEngine* outer = s_running;  // an event handled while polling may check rules too
+        s_running = this;
         QScriptValue value = m_engine.evaluate(script);
-        m_timer.stop();
+        s_running = outer;
         return value;
     }
     bool failed() {
@@ -48,10 +48,28 @@ public:
     QScriptEngine& engine() { return m_engine; }
 
 private:
+    static void watchDispatcher() {
+        static QPointer<QAbstractEventDispatcher> watched;
+        QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
+        if (!dispatcher || dispatcher == watched) return;
+        watched = dispatcher;
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, [] {
+            BoundedEngine* running = s_running;
+            if (running && running->m_clock.elapsed() > running->m_timeoutMs) {
+                running->m_timedOut = true;
+                running->m_engine.abortEvaluation();
+            }
+        });
+    }
+
+    static BoundedEngine* s_running;
     QScriptEngine m_engine;
-    QTimer m_timer;
+    QElapsedTimer m_clock;
+    int m_timeoutMs;
     bool m_timedOut = false;
 };
+
+BoundedEngine* BoundedEngine::s_running = nullptr;
 
 bool canRunScripts() {
     // Qt Script needs an application object; without one the check fails instead of crashing.
