@@ -1,14 +1,44 @@
-// SKRCatalogueLookup: catalogue questions of the specification parser.
+// SKRCatalogueLookup: catalogue questions of the specification parser, answered by the
+// registered providers. The parser never throws, so a malformed row counts as not found.
 #include "section_data/SKRCatalogueLookup.h"
+
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+
+#include <exception>
 
 namespace skr {
 namespace section {
 
-// The catalogue providers come with the section database; until they are registered every
-// look-up finds nothing, which the parser treats like a name missing from the catalogue.
-bool SKRCatalogueLookup::hotRolledDimensions(const QString&, int, QVector<double>*) { return false; }
+bool SKRCatalogueLookup::hotRolledDimensions(const QString& name, int sectionType, QVector<double>* dimensions) {
+    auto* provider = util::FetchInstance<SKRHotRollingSectionDBProvider>();
+    if (!provider) return false;
+    try {
+        const SKRHotRollingLookup found = provider->findByName(name.toStdWString());
+        if (!found.first || found.second.sectionType != sectionType) return false;
+        for (const wchar_t* field : {L"h", L"b", L"d", L"t"}) {
+            double value = 0.0;
+            for (const auto& param : found.second.params)
+                if (param.first == field) value = param.second;
+            dimensions->append(value);
+        }
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
-bool SKRCatalogueLookup::userSectionId(const QString&, int*) { return false; }
+bool SKRCatalogueLookup::userSectionId(const QString& name, int* sectionId) {
+    auto* provider = util::FetchInstance<SKRUserHotRollingSectionDBProvider>();
+    if (!provider) return false;
+    try {
+        const SKRHotRollingLookup found = provider->findByName(name.toStdWString());
+        if (!found.first) return false;
+        *sectionId = found.second.sectionType;
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
 }  // namespace section
 }  // namespace skr

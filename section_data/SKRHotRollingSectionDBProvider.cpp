@@ -1,0 +1,189 @@
+// The system and user hot-rolled section providers.
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+
+#include <QLocale>
+#include <QString>
+
+#include <cerrno>
+#include <cwchar>
+#include <stdexcept>
+
+namespace skr {
+namespace section {
+namespace {
+
+const char kInvalidQuery[] = "Invalid Query String!";
+const char kInvalidField[] = "Invalid Field Name!";
+
+// Releases a record however the reading of it ends.
+struct RecordRef {
+    ndp::CDBRecord* record;
+    ~RecordRef() {
+        if (record) record->Release();
+    }
+};
+
+int fieldIndex(ndp::CDBTable* table, const std::wstring& name) {
+    const int index = table->FindField(name);
+    if (index < 0) throw std::invalid_argument(kInvalidField);
+    return index;
+}
+
+std::wstring shortest(double value) {
+    return QString::number(value, 'g', QLocale::FloatingPointShortest).toStdWString();
+}
+
+}  // namespace
+
+SKRHotRollingSectionDBProvider::SKRHotRollingSectionDBProvider(ndp::CDBTable* table)
+    : m_pTable(table),
+      m_nameField(L"StandardName"),
+      m_firstKeyField(L"PolyID"),
+      m_secondKeyField(L"SubClassID"),
+      m_pCache(new std::unordered_map<std::wstring, SKRHotRollingSection>) {}
+
+SKRHotRollingSectionDBProvider::~SKRHotRollingSectionDBProvider() { delete m_pCache; }
+
+double SKRHotRollingSectionDBProvider::toDouble(const std::wstring& text) {
+    const wchar_t* begin = text.c_str();
+    wchar_t* end = nullptr;
+    errno = 0;
+    const double value = std::wcstod(begin, &end);
+    if (end == begin) throw std::invalid_argument("invalid stod argument");
+    if (errno == ERANGE) throw std::out_of_range("stod argument out of range");
+    return value;
+}
+
+std::wstring SKRHotRollingSectionDBProvider::readText(ndp::CDBRecord* record, const std::wstring& field) const {
+    const int index = fieldIndex(m_pTable, field);
+    if (m_pTable->GetField(index).GetKind() != ndp::EnDBFieldKind::Text) throw std::invalid_argument(kInvalidField);
+    return record->GetString(index);
+}
+
+SKRHotRollingSection SKRHotRollingSectionDBProvider::readLeadingFields(ndp::CDBRecord* record) const {
+    SKRHotRollingSection section;
+    section.sectionType = record->GetInt(fieldIndex(m_pTable, m_firstKeyField));
+    section.subId = record->GetInt(fieldIndex(m_pTable, m_secondKeyField));
+    section.standardName = readText(record, m_nameField);
+    section.weightMeter = record->GetDouble(fieldIndex(m_pTable, L"WeightMeter"));
+    section.area = record->GetDouble(fieldIndex(m_pTable, L"AreaVal"));
+    return section;
+}
+
+SKRHotRollingSection SKRHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* record) {
+    SKRHotRollingSection section = readLeadingFields(record);
+    // Every field after "AreaVal" is one parameter: its name, and a number written as text.
+    for (int i = fieldIndex(m_pTable, L"AreaVal") + 1; i < m_pTable->GetFieldCount(); ++i) {
+        const std::wstring name = m_pTable->GetFieldName(i);
+        section.params.emplace_back(name, toDouble(readText(record, name)));
+    }
+    return section;
+}
+
+SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByName(const std::wstring& name) {
+    if (!m_pTable) return {false, SKRHotRollingSection()};
+    ndp::CFileAddressList found;
+    if (!m_pTable->Query(L"SameString(" + m_nameField + L",\"" + name + L"\")", found) || found.GetCount() == 0)
+        return {false, SKRHotRollingSection()};
+    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
+    if (!ref.record) return {false, SKRHotRollingSection()};
+    return {true, fromRecord(ref.record)};
+}
+
+std::wstring SKRHotRollingSectionDBProvider::keyQuery(int sectionType, int subId) const {
+    std::wstring query = m_firstKeyField + L" == " + std::to_wstring(sectionType);
+    if (!m_secondKeyField.empty()) query += L" && " + m_secondKeyField + L" == " + std::to_wstring(subId);
+    return query;
+}
+
+SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByKeys(int sectionType, int subId) {
+    if (!m_pTable) return {false, SKRHotRollingSection()};
+    const std::wstring query = keyQuery(sectionType, subId);
+    const auto cached = m_pCache->find(query);
+    if (cached != m_pCache->end()) return {true, cached->second};
+    ndp::CFileAddressList found;
+    if (!m_pTable->Query(query, found)) throw std::invalid_argument(kInvalidQuery);
+    if (found.GetCount() == 0) return {false, SKRHotRollingSection()};
+    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
+    if (!ref.record) return {false, SKRHotRollingSection()};
+    const SKRHotRollingSection section = fromRecord(ref.record);
+    m_pCache->emplace(query, section);
+    return {true, section};
+}
+
+std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::listByType(int sectionType) {
+    std::vector<SKRHotRollingSection> sections;
+    if (!m_pTable) return sections;
+    ndp::CFileAddressList found;
+    m_pTable->Search(fieldIndex(m_pTable, m_firstKeyField), sectionType, found);
+    for (int i = 0; i < found.GetCount(); ++i) {
+        RecordRef ref{m_pTable->GetRecord(found.GetItem(i))};
+        if (ref.record) sections.push_back(fromRecord(ref.record));
+    }
+    return sections;
+}
+
+SKRUserHotRollingSectionDBProvider::SKRUserHotRollingSectionDBProvider(ndp::CDBTable* table)
+    : SKRHotRollingSectionDBProvider(table) {
+    m_firstKeyField = L"SectionType";
+    m_secondKeyField = L"SubID";
+}
+
+SKRUserHotRollingSectionDBProvider::~SKRUserHotRollingSectionDBProvider() = default;
+
+SKRHotRollingSection SKRUserHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* record) {
+    SKRHotRollingSection section = readLeadingFields(record);
+    // "SectionParam": name=value items joined by ";" (a trailing ";" is accepted).
+    const QString text = QString::fromStdWString(readText(record, L"SectionParam"));
+    for (const QString& item : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        const QString name = item.section(QLatin1Char('='), 0, 0);
+        const QString value = item.section(QLatin1Char('='), 1, 1);
+        section.params.emplace_back(name.toStdWString(), toDouble(value.toStdWString()));
+    }
+    return section;
+}
+
+bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& section) {
+    if (!m_pTable || findByName(section.standardName).first) return false;
+    std::wstring params;
+    for (const auto& param : section.params) params += param.first + L"=" + shortest(param.second) + L";";
+    RecordRef ref{m_pTable->CreateRecord()};
+    ref.record->SetInt(fieldIndex(m_pTable, m_firstKeyField), section.sectionType);
+    ref.record->SetInt(fieldIndex(m_pTable, m_secondKeyField), section.subId);
+    ref.record->SetString(fieldIndex(m_pTable, m_nameField), section.standardName);
+    ref.record->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
+    ref.record->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
+    ref.record->SetString(fieldIndex(m_pTable, L"SectionParam"), params);
+    return m_pTable->AddRecord(ref.record) != ndp::kNullAddress;
+}
+
+bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSection& section) {
+    if (!m_pTable) return false;
+    ndp::CFileAddressList found;
+    if (!m_pTable->Query(L"SameString(" + m_nameField + L",\"" + section.standardName + L"\")", found))
+        throw std::invalid_argument(kInvalidQuery);
+    if (found.GetCount() == 0) return false;  // nothing of that name to update
+    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
+    if (!ref.record) return false;
+    ref.record->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
+    ref.record->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
+    return m_pTable->ModifyRecord(ref.record);
+}
+
+bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subId) {
+    if (!m_pTable) return false;
+    // The "%s==%d && %s==%d" form, without blanks around "==".
+    const std::wstring query = m_firstKeyField + L"==" + std::to_wstring(sectionType) + L" && " + m_secondKeyField +
+                               L"==" + std::to_wstring(subId);
+    ndp::CFileAddressList found;
+    if (!m_pTable->Query(query, found)) return false;
+    bool removed = false;
+    for (int i = 0; i < found.GetCount(); ++i) removed = m_pTable->DeleteRecord(found.GetItem(i));
+    return removed;
+}
+
+}  // namespace section
+}  // namespace skr

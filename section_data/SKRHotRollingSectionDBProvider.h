@@ -1,0 +1,74 @@
+// SKRHotRollingSectionDBProvider: reads the system hot-rolled catalogue ("SectionPolyInfor") by
+// name, by keys (cached) and by type.
+#pragma once
+
+#include "section_data/SKRHotRollingSection.h"
+#include "section_data/SKRRegistryInstance.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace ndp {
+class CDBRecord;
+class CDBTable;
+}  // namespace ndp
+
+namespace skr {
+namespace section {
+
+class SKRHotRollingSectionDBProvider {
+public:
+    explicit SKRHotRollingSectionDBProvider(ndp::CDBTable* table);
+    virtual ~SKRHotRollingSectionDBProvider();
+    // Reads one row; throws std::invalid_argument for a missing field or a non-numeric parameter.
+    virtual SKRHotRollingSection fromRecord(ndp::CDBRecord* record);
+
+    // Query SameString(name field, "name"); a refused query or no match finds nothing.
+    SKRHotRollingLookup findByName(const std::wstring& name);
+    // Query on the key fields, answered from the cache when asked before; a refused query throws.
+    SKRHotRollingLookup findByKeys(int sectionType, int subId);
+    std::vector<SKRHotRollingSection> listByType(int sectionType);
+
+    // The query text findByKeys builds, e.g. "PolyID == 5 && SubClassID == 1".
+    std::wstring keyQuery(int sectionType, int subId) const;
+
+protected:
+    SKRHotRollingSection readLeadingFields(ndp::CDBRecord* record) const;
+    static double toDouble(const std::wstring& text);
+    std::wstring readText(ndp::CDBRecord* record, const std::wstring& field) const;
+
+    ndp::CDBTable* m_pTable;
+    std::wstring m_nameField;
+    std::wstring m_firstKeyField;
+    std::wstring m_secondKeyField;
+    std::unordered_map<std::wstring, SKRHotRollingSection>* m_pCache;
+};
+
+// SKRUserHotRollingSectionDBProvider: the user's own hot-rolled sections in the project
+// ("CustomHotRolledSection"), which it also adds, updates and removes. Nothing is flushed here.
+class SKRUserHotRollingSectionDBProvider : public SKRHotRollingSectionDBProvider {
+public:
+    explicit SKRUserHotRollingSectionDBProvider(ndp::CDBTable* table);
+    ~SKRUserHotRollingSectionDBProvider() override;
+    SKRHotRollingSection fromRecord(ndp::CDBRecord* record) override;
+
+    // False, writing nothing, when the name exists already.
+    bool addSection(const SKRHotRollingSection& section);
+    // New weight and surface for the section of that name; name, keys and parameters unchanged.
+    bool updateSection(const SKRHotRollingSection& section);
+    // Deletes every row with these keys; the result of the last deletion, false when none matched.
+    bool removeSection(int sectionType, int subId);
+};
+
+}  // namespace section
+}  // namespace skr
+
+template <>
+struct skr::util::RegistryKey<skr::section::SKRHotRollingSectionDBProvider> {
+    static std::string name() { return "class skr::section::SKRHotRollingSectionDBProvider"; }
+};
+template <>
+struct skr::util::RegistryKey<skr::section::SKRUserHotRollingSectionDBProvider> {
+    static std::string name() { return "class skr::section::SKRUserHotRollingSectionDBProvider"; }
+};
