@@ -1,0 +1,31 @@
+// VMPNDDBManager: the application's databases by file name.
+#include "vmp/VMPNDDBManager.h"
+
+#include "ndp/NDPDatabase.h"
+#include "vmp/VMPAppInfo.h"
+
+#include <QtGlobal>
+
+VMPNDDBManager::VMPNDDBManager() = default;
+VMPNDDBManager::~VMPNDDBManager() = default;
+
+VMPNDDBManager* VMPNDDBManager::nddbMgr() {
+    static VMPNDDBManager manager;
+    return &manager;
+}
+
+ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
+    const auto open = m_databases.find(name);
+    if (open != m_databases.end()) return open->second.get();
+    auto database = std::make_unique<ndp::CDatabase>();
+    const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + name;
+    if (!database->Open(path, readOnly)) {
+        qWarning("%s", qUtf8Printable(database->GetLastError()));
+        return nullptr;
+    }
+    ndp::CDatabase* result = database.get();
+    m_databases.emplace(name, std::move(database));
+    return result;
+}
+
+void VMPNDDBManager::closeAll() { m_databases.clear(); }

@@ -1,0 +1,29 @@
+// VMPNDDBManager: opens the application's databases by file name, once each per process.
+#pragma once
+
+#include "PlatformGlobal.h"
+
+#include <QString>
+
+#include <map>
+#include <memory>
+
+namespace ndp {
+class CDatabase;
+}
+
+class BXQPLATFORM_EXPORT VMPNDDBManager {
+public:
+    static VMPNDDBManager* nddbMgr();
+
+    // The database file name in the application data folder, opened on first request (read-only
+    // when asked); null when it is missing or cannot be opened.
+    ndp::CDatabase* getNDDB(const QString& name, bool readOnly);
+    // Closes and forgets every database (unflushed writes are discarded).
+    void closeAll();
+
+private:
+    VMPNDDBManager();
+    ~VMPNDDBManager();
+    std::map<QString, std::unique_ptr<ndp::CDatabase>> m_databases;
+};

@@ -1,0 +1,188 @@
+// Start-up and shut-down of the section repository, its providers per table, and the scheme and
+// parameter providers, on databases made in a temporary data folder.
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SectionRepository.h"
+#include "section_data/SectionSchemeProvider.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "vmp/VMPNDDBManager.h"
+#include "vmp/VMPProjectModel.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+using namespace skr::section;
+using ndp::EnDBFieldKind;
+using skr::util::FetchInstance;
+
+namespace {
+
+void addParam(ndp::CDBTable* table, int polyId, int subClass, const wchar_t* code) {
+    ndp::CDBRecord* record = table->CreateRecord();
+    record->SetInt(table->FindField(L"PolyID"), polyId);
+    record->SetInt(table->FindField(L"SubClassID"), subClass);
+    record->SetString(table->FindField(L"ParamCode"), code);
+    record->SetString(table->FindField(L"ValidExpr"), L"(%1 >= 1) And ( %1 <=10000)");
+    table->AddRecord(record);
+    record->Release();
+}
+
+// A section database with the given tables, in a data folder that BXQ_DATA_DIR points at.
+class SectionRepositoryTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        skr::UninitBXQSteelRepository();
+        VMPNDDBManager::nddbMgr()->closeAll();
+        qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
+        ASSERT_TRUE(m_project.open(m_dir.filePath("project.KDB")));
+    }
+    void TearDown() override {
+        delete FetchInstance<SectionRepository>();
+        skr::UninitBXQSteelRepository();
+        VMPNDDBManager::nddbMgr()->closeAll();
+        qunsetenv("BXQ_DATA_DIR");
+    }
+
+    void makeSectionDb(bool withScheme) {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(m_dir.filePath("SKRSectionPolyDB.KDB")));
+        db.CreateTable(L"SectionPolyInfor", {{L"PolyID", EnDBFieldKind::Int32, true},
+                                             {L"SubClassID", EnDBFieldKind::Int32},
+                                             {L"StandardName", EnDBFieldKind::Text, true},
+                                             {L"WeightMeter", EnDBFieldKind::Double},
+                                             {L"AreaVal", EnDBFieldKind::Double}});
+        ndp::CDBTable* params = db.CreateTable(
+            L"SectionPolyParam",
+            {{L"PolyID", EnDBFieldKind::Int32, true}, {L"SubClassID", EnDBFieldKind::Int32},
+             {L"ParamID", EnDBFieldKind::Int32}, {L"ParamCode", EnDBFieldKind::Text},
+             {L"DataType", EnDBFieldKind::Int32}, {L"EditorPtX", EnDBFieldKind::Int32},
+             {L"EditorPtY", EnDBFieldKind::Int32}, {L"DefVal", EnDBFieldKind::Text},
+             {L"Unit", EnDBFieldKind::Text}, {L"ValidExpr", EnDBFieldKind::Text}, {L"InvalidMsg", EnDBFieldKind::Text}});
+        addParam(params, 11, 1, L"h");
+        addParam(params, 12, 1, L"h");
+        addParam(params, 11, 2, L"b");
+        addParam(params, 11, 1, L"tw");
+        if (withScheme) {
+            ndp::CDBTable* schemes = db.CreateTable(L"SectionPoly", {{L"PolyID", EnDBFieldKind::Int32, true},
+                                                                     {L"GroupID", EnDBFieldKind::Int32},
+                                                                     {L"PolyName", EnDBFieldKind::Text}});
+            ndp::CDBRecord* record = schemes->CreateRecord();
+            record->SetInt(0, 11);
+            record->SetInt(1, 2);
+            record->SetString(2, L"焊接H型钢");
+            schemes->AddRecord(record);
+            record->Release();
+        }
+        ASSERT_TRUE(db.Flush());
+    }
+
+    QTemporaryDir m_dir;
+    VMPProjectModel m_project;
+};
+
+}  // namespace
+
+TEST_F(SectionRepositoryTest, StartUpRegistersEveryProviderOnceAndIsIdempotent) {
+    makeSectionDb(true);
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    ASSERT_NE(repository, nullptr);
+    EXPECT_EQ(repository->GetProjectDB(), m_project.getProjectDB());
+    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SectionSchemeProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+
+    auto* scheme = FetchInstance<SectionSchemeProvider>();
+    skr::InitBXQSteelRepository(&m_project);
+    EXPECT_EQ(FetchInstance<SectionRepository>(), repository);
+    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), scheme);
+}
+
+TEST_F(SectionRepositoryTest, MissingTableLeavesOnlyItsProviderAbsent) {
+    makeSectionDb(false);
+    skr::InitBXQSteelRepository(&m_project);
+    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
+}
+
+TEST_F(SectionRepositoryTest, MissingSectionDatabaseLeavesTheCatalogueProvidersAbsent) {
+    skr::InitBXQSteelRepository(&m_project);
+    ASSERT_NE(FetchInstance<SectionRepository>(), nullptr);
+    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+}
+
+TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
+    makeSectionDb(true);
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    SKRUserHotRollingSectionDBProvider* user = FetchInstance<SKRUserHotRollingSectionDBProvider>();
+    SectionSchemeProvider* scheme = FetchInstance<SectionSchemeProvider>();
+    skr::UninitBXQSteelRepository();
+    EXPECT_EQ(FetchInstance<SectionRepository>(), nullptr);
+    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    // Still alive (a destroyed object would be a use after free here, caught under ASan).
+    EXPECT_FALSE(user->findByName(L"none").first);
+    EXPECT_TRUE(scheme->findScheme(11).first);
+
+    // A second start-up makes fresh objects; the old ones are the caller's to delete.
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* fresh = FetchInstance<SectionRepository>();
+    EXPECT_NE(fresh, repository);
+    skr::util::UnRegisterInstance<SectionRepository>(false);
+    delete fresh;       // destroys and unregisters the fresh providers
+    delete repository;  // nothing of its own is registered any more
+    delete user;
+    delete scheme;
+}
+
+TEST_F(SectionRepositoryTest, UnregisteringTheSectionDatabaseKeepsTheUserProvider) {
+    makeSectionDb(true);
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    repository->UnRegSectionPolyDB();
+    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
+    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
+    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    repository->UnRegProjectDB();
+    EXPECT_EQ(repository->GetProjectDB(), nullptr);
+    EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    repository->RegAbnormalDB(m_project.getProjectDB());
+    repository->RegSectionPolyDB(nullptr);
+    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+}
+
+TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrder) {
+    makeSectionDb(true);
+    skr::InitBXQSteelRepository(&m_project);
+    const SectionParamProvider* params = FetchInstance<SectionParamProvider>();
+    const auto all = params->paramsOf(11);
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_EQ(all[0].paramCode, "h");
+    EXPECT_EQ(all[1].paramCode, "b");
+    EXPECT_EQ(all[2].paramCode, "tw");
+    EXPECT_EQ(all[0].validExpr, "(%1 >= 1) And ( %1 <=10000)");
+    const auto second = params->paramsOf(11, 2);
+    ASSERT_EQ(second.size(), 1u);
+    EXPECT_EQ(second[0].paramCode, "b");
+    EXPECT_TRUE(params->paramsOf(99).empty());
+
+    const SectionSchemeProvider* schemes = FetchInstance<SectionSchemeProvider>();
+    const auto welded = schemes->findScheme(11);
+    ASSERT_TRUE(welded.first);
+    EXPECT_EQ(welded.second.groupId, 2);
+    EXPECT_EQ(welded.second.polyName, QStringLiteral("焊接H型钢"));
+    EXPECT_FALSE(schemes->findScheme(12).first);
+    EXPECT_EQ(schemes->allSchemes().size(), 1u);
+}
