@@ -2,11 +2,13 @@
 // parameter providers, on databases made in a temporary data folder.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionRepository.h"
+#include "section_data/SKRSectionPolyDBManager.h"
 #include "section_data/SectionSchemeProvider.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
+#include "vmp/VMPModelException.h"
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
@@ -185,4 +187,22 @@ TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrder) {
     EXPECT_EQ(welded.second.polyName, QStringLiteral("焊接H型钢"));
     EXPECT_FALSE(schemes->findScheme(12).first);
     EXPECT_EQ(schemes->allSchemes().size(), 1u);
+}
+
+TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathAndRetries) {
+    SKRSectionPolyDBManager::freeInstance();
+    const QString path = m_dir.filePath("SKRSectionPolyDB.KDB");
+    try {
+        SKRSectionPolyDBManager::instance();
+        FAIL() << "no exception";
+    } catch (const VMPModelException& e) {
+        EXPECT_EQ(e.message(), QStringLiteral("[%1]文件不存在").arg(path));
+    }
+    makeSectionDb(true);  // the failed call left no instance behind, so the file is tested again
+    SKRSectionPolyDBManager* manager = SKRSectionPolyDBManager::instance();
+    ASSERT_NE(manager->sectionPolyDB(), nullptr);
+    EXPECT_EQ(SKRSectionPolyDBManager::instance(), manager);
+    EXPECT_NE(manager->sectionPolyDB()->GetTable(L"SectionPoly"), nullptr);
+    SKRSectionPolyDBManager::freeInstance();
+    SKRSectionPolyDBManager::freeInstance();  // none left: nothing happens
 }

@@ -1,0 +1,49 @@
+// SKRSectionPolyDBManager: the section database singleton.
+#include "section_data/SKRSectionPolyDBManager.h"
+
+#include "ndp/NDPDatabase.h"
+#include "vmp/VMPAppInfo.h"
+#include "vmp/VMPModelException.h"
+#include "vmp/VMPNDDBManager.h"
+
+#include <QCoreApplication>
+
+namespace {
+const char kSectionPolyDBName[] = "SKRSectionPolyDB.KDB";
+}
+
+SKRSectionPolyDBManager* SKRSectionPolyDBManager::m_pInstance = nullptr;
+
+SKRSectionPolyDBManager::SKRSectionPolyDBManager() { initDB(); }
+
+// Deliberately does not close the database: the database manager keeps it.
+SKRSectionPolyDBManager::~SKRSectionPolyDBManager() = default;
+
+SKRSectionPolyDBManager* SKRSectionPolyDBManager::instance() {
+    // A constructor that throws leaves m_pInstance null, so the file is tested again next time.
+    if (!m_pInstance) m_pInstance = new SKRSectionPolyDBManager;
+    return m_pInstance;
+}
+
+void SKRSectionPolyDBManager::freeInstance() {
+    delete m_pInstance;
+    m_pInstance = nullptr;
+}
+
+ndp::CDatabase* SKRSectionPolyDBManager::sectionPolyDB() { return m_pDatabase; }
+
+void SKRSectionPolyDBManager::initDB() {
+    if (m_pDatabase) return;
+    const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + QLatin1String(kSectionPolyDBName);
+    if (!VMPAppInfo::gAppInfo()->fileExists(path))
+        throw VMPModelException(
+            QCoreApplication::translate("SKRSysInfo", "[%0]文件不存在").arg(path, 0, QLatin1Char(' ')));
+    m_pDatabase = VMPNDDBManager::nddbMgr()->getNDDB(QLatin1String(kSectionPolyDBName), false);
+}
+
+void SKRSectionPolyDBManager::closeDB() {
+    if (!m_pDatabase) return;
+    m_pDatabase->Close();
+    delete m_pDatabase;
+    m_pDatabase = nullptr;
+}

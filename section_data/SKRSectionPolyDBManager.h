@@ -1,0 +1,27 @@
+// SKRSectionPolyDBManager: the process-wide opener of the section database for the dialogs.
+#pragma once
+
+#include "plugin/BXQExtendGlobal.h"
+
+namespace ndp {
+class CDatabase;
+}
+
+class BXQEXTEND_EXPORT SKRSectionPolyDBManager {
+public:
+    // Creates the manager on first call. Throws VMPModelException "[path]文件不存在" when the
+    // section database file is missing; the next call then tests the file again.
+    static SKRSectionPolyDBManager* instance();
+    // Deletes the manager; the database it opened stays open with the database manager.
+    static void freeInstance();
+    ndp::CDatabase* sectionPolyDB();
+
+private:
+    SKRSectionPolyDBManager();
+    ~SKRSectionPolyDBManager();
+    void initDB();
+    void closeDB();
+
+    static SKRSectionPolyDBManager* m_pInstance;
+    ndp::CDatabase* m_pDatabase = nullptr;
+};
