@@ -1,6 +1,7 @@
 // The hot-rolled providers on real tables: look-ups by name, keys (cached) and type, row reading,
 // user sections added, updated and removed, and the parser resolving names through the registry.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRPerMetreLookup.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
 #include "ndp/NDPDBRecord.h"
@@ -243,4 +244,25 @@ TEST_F(HotRollingProviderTest, ParserResolvesCatalogueAndUserNamesThroughTheRegi
     EXPECT_TRUE(skr::util::UnRegisterInstance<SKRHotRollingSectionDBProvider>(true));
     parser.parser("I20a");
     EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
+}
+
+TEST_F(HotRollingProviderTest, PerMetreFiguresComeFromTheUserCatalogueFirst) {
+    auto* system = new SKRHotRollingSectionDBProvider(m_system);
+    ASSERT_TRUE(skr::util::RegisterInstance(system));
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 27.9);
+    EXPECT_EQ(SKRPerMetreLookup::surfacePerMetre("I20a"), 0.742);
+
+    auto* user = new SKRUserHotRollingSectionDBProvider(m_user);
+    ASSERT_TRUE(skr::util::RegisterInstance(user));
+    SKRHotRollingSection shadow = userSection(L"I20a", 1, 1);
+    ASSERT_TRUE(user->addSection(shadow));
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 12.5);
+    EXPECT_EQ(SKRPerMetreLookup::surfacePerMetre("I20a"), 0.5);
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20b"), 31.1);
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I99"), 0.0);
+    EXPECT_EQ(SKRPerMetreLookup::surfacePerMetre("I99"), 0.0);
+
+    skr::util::UnRegisterInstance<SKRUserHotRollingSectionDBProvider>(true);
+    skr::util::UnRegisterInstance<SKRHotRollingSectionDBProvider>(true);
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20b"), 0.0);
 }
