@@ -139,6 +139,22 @@ def half_unit(text):
         return 0.5 * 10.0 ** -(len(text.split(".", 1)[1]))
     return 0.5
 
+def check_published(checker, family, name, tol, area, weight, surface, area_formula, perimeter):
+    """Checks a row's published area, weight and surface (each a (text, value) pair) against
+    the area formula, against each other and against the outline perimeter."""
+    area_text, area_cm2 = area
+    weight_text, weight_value = weight
+    surface_text, surface_value = surface
+    checker.compare(family, name, "area~formula", area_text, area_cm2, area_formula / 100, tol["area"])
+    checker.compare(family, name, "weight~formula", weight_text, weight_value,
+                    area_formula * KG_PER_M_PER_MM2, tol["weight"])
+    checker.compare(family, name, "weight~area", weight_text, weight_value,
+                    area_cm2 * 100 * KG_PER_M_PER_MM2, 0.0005,
+                    half_unit(area_text) * 100 * KG_PER_M_PER_MM2)
+    checker.compare(family, name, "surface~perimeter", surface_text, surface_value,
+                    perimeter / 1000, tol["surface"])
+
+
 
 def to_float(text, where):
     try:
@@ -286,15 +302,8 @@ def build_i_and_channel(ref, fixer, checker, fam, table, prefix, poly, slope, fi
                          + (h - 2 * t_root) - 2 * corner_cut(r, turn)
                          - 2 * corner_cut(r1, turn))
         tol = TOL[fam.tol_key]
-        checker.compare(fam.key, name, "area~formula", area_text, area_cm2,
-                        area_formula / 100, tol["area"])
-        checker.compare(fam.key, name, "weight~formula", weight_text, weight,
-                        area_formula * KG_PER_M_PER_MM2, tol["weight"])
-        checker.compare(fam.key, name, "weight~area", weight_text, weight,
-                        area_cm2 * 100 * KG_PER_M_PER_MM2, 0.0005,
-                        half_unit(area_text) * 100 * KG_PER_M_PER_MM2)
-        checker.compare(fam.key, name, "surface~perimeter", surface_text, surface,
-                        perimeter / 1000, tol["surface"])
+        check_published(checker, fam.key, name, tol, (area_text, area_cm2), (weight_text, weight),
+                        (surface_text, surface), area_formula, perimeter)
         fam.add(poly, 1, name, weight, "published", surface, "published", [h, b, d, t, r, r1])
 
 
@@ -315,15 +324,8 @@ def build_angles(ref, fixer, checker, equal, unequal):
         area_formula = d * (B + b - d) + 0.215 * (r * r - 2 * r1 * r1)
         perimeter = 2 * (B + b) - corner_cut(r) - 2 * corner_cut(r1)
         tol = TOL["angle"]
-        checker.compare(fam.key, name, "area~formula", area_text, area_cm2,
-                        area_formula / 100, tol["area"])
-        checker.compare(fam.key, name, "weight~formula", weight_text, weight,
-                        area_formula * KG_PER_M_PER_MM2, tol["weight"])
-        checker.compare(fam.key, name, "weight~area", weight_text, weight,
-                        area_cm2 * 100 * KG_PER_M_PER_MM2, 0.0005,
-                        half_unit(area_text) * 100 * KG_PER_M_PER_MM2)
-        checker.compare(fam.key, name, "surface~perimeter", surface_text, surface,
-                        perimeter / 1000, tol["surface"])
+        check_published(checker, fam.key, name, tol, (area_text, area_cm2), (weight_text, weight),
+                        (surface_text, surface), area_formula, perimeter)
         fam.add(3 if fam is equal else 4, 1, name, weight, "published", surface, "published",
                 values)
 
@@ -352,15 +354,8 @@ def build_h_and_t(ref, fixer, checker, fam, table, subclasses, is_t):
             area_formula = tw * (h - 2 * tf) + 2 * b * tf + 0.858 * r * r
             perimeter = 2 * h + 4 * b - 2 * tw - 4 * corner_cut(r)
         tol = TOL["T" if is_t else "H"]
-        checker.compare(fam.key, name, "area~formula", area_text, area_cm2,
-                        area_formula / 100, tol["area"])
-        checker.compare(fam.key, name, "weight~formula", weight_text, weight,
-                        area_formula * KG_PER_M_PER_MM2, tol["weight"])
-        checker.compare(fam.key, name, "weight~area", weight_text, weight,
-                        area_cm2 * 100 * KG_PER_M_PER_MM2, 0.0005,
-                        half_unit(area_text) * 100 * KG_PER_M_PER_MM2)
-        checker.compare(fam.key, name, "surface~perimeter", surface_text, surface,
-                        perimeter / 1000, tol["surface"])
+        check_published(checker, fam.key, name, tol, (area_text, area_cm2), (weight_text, weight),
+                        (surface_text, surface), area_formula, perimeter)
         fam.add(poly, subclasses[series], name, weight, "published", surface, "published",
                 [h, b, tw, tf, r])
 
