@@ -68,7 +68,7 @@ struct StatementUse {
 }  // namespace
 
 CDBTable::CDBTable(CDatabase* database, std::wstring name, std::vector<CDBField> fields)
-    : m_database(database), m_name(std::move(name)), m_fields(std::move(fields)) {}
+    : m_database(database), m_name(std::move(name)), m_fields(std::move(fields)), m_columns(sqlColumns(m_fields)) {}
 
 CDBTable::~CDBTable() {
     for (auto& entry : m_statements) sqlite3_finalize(entry.second);
@@ -99,7 +99,9 @@ sqlite3_stmt* CDBTable::statement(const std::string& sql) {
     return stmt;
 }
 
+// The list receives exactly the records found, whatever it held before.
 bool CDBTable::listAddresses(sqlite3_stmt* stmt, CFileAddressList& addresses) {
+    addresses.RemoveAll();
     int rc;
     while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) addresses.Add(sqlite3_column_int64(stmt, 0));
     if (rc != SQLITE_DONE) {
@@ -118,7 +120,7 @@ CFileAddress CDBTable::AddRecord(CDBRecord* record, bool) {
     std::string sql = "INSERT INTO " + quotedTable() + " (";
     std::string values;
     for (size_t i = 0; i < m_fields.size(); ++i) {
-        sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName());
+        sql += (i ? ", " : "") + m_columns[i];
         values += (i ? ", ?" : "?") + std::to_string(i + 1);
     }
     sql = m_fields.empty() ? "INSERT INTO " + quotedTable() + " DEFAULT VALUES" : sql + ") VALUES (" + values + ")";
@@ -141,7 +143,7 @@ bool CDBTable::ModifyRecord(CDBRecord* record) {
         return false;
     std::string sql = "UPDATE " + quotedTable() + " SET ";
     for (size_t i = 0; i < m_fields.size(); ++i)
-        sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName()) + " = ?" + std::to_string(i + 1);
+        sql += (i ? ", " : "") + m_columns[i] + " = ?" + std::to_string(i + 1);
     sql += " WHERE kdb_addr = ?" + std::to_string(m_fields.size() + 1);
     sqlite3_stmt* stmt = statement(sql);
     if (!stmt) return false;
@@ -171,7 +173,7 @@ bool CDBTable::DeleteRecord(CFileAddress address) {
 
 CDBRecord* CDBTable::GetRecord(CFileAddress address) {
     std::string sql = "SELECT ";
-    for (size_t i = 0; i < m_fields.size(); ++i) sql += (i ? ", " : "") + sqlIdentifier(m_fields[i].GetName());
+    for (size_t i = 0; i < m_fields.size(); ++i) sql += (i ? ", " : "") + m_columns[i];
     if (m_fields.empty()) sql += "kdb_addr";
     sql += " FROM " + quotedTable() + " WHERE kdb_addr = ?1";
     sqlite3_stmt* stmt = statement(sql);
@@ -195,7 +197,7 @@ bool CDBTable::ListAll(CFileAddressList& addresses) {
 bool CDBTable::searchKey(int field, std::int64_t key, CFileAddressList& addresses, bool firstOnly) {
     if (field < 0 || field >= GetFieldCount()) return false;
     sqlite3_stmt* stmt = statement("SELECT kdb_addr FROM " + quotedTable() + " WHERE " +
-                                   sqlIdentifier(m_fields[static_cast<size_t>(field)].GetName()) +
+                                   m_columns[static_cast<size_t>(field)] +
                                    " = ?1 ORDER BY kdb_addr" + (firstOnly ? " LIMIT 1" : ""));
     if (!stmt) return false;
     StatementUse use{stmt};
@@ -219,7 +221,7 @@ bool CDBTable::Query(const std::wstring& expression, CFileAddressList& addresses
     if (!parseQueryExpression(expression, *this, terms)) return false;
     std::string sql = "SELECT kdb_addr FROM " + quotedTable() + " WHERE ";
     for (size_t i = 0; i < terms.size(); ++i)
-        sql += (i ? " AND " : "") + sqlIdentifier(m_fields[static_cast<size_t>(terms[i].field)].GetName()) + " = ?" +
+        sql += (i ? " AND " : "") + m_columns[static_cast<size_t>(terms[i].field)] + " = ?" +
                std::to_string(i + 1);
     sqlite3_stmt* stmt = statement(sql + " ORDER BY kdb_addr");
     if (!stmt) return false;

@@ -62,6 +62,7 @@ private:
     CDatabase* m_database;
     std::wstring m_name;
     std::vector<CDBField> m_fields;
+    std::vector<std::string> m_columns;  // quoted SQLite column of each field
     std::map<std::string, sqlite3_stmt*> m_statements;  // prepared once, reused
 };
 

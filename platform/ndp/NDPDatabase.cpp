@@ -175,15 +175,16 @@ CDBTable* CDatabase::CreateTable(const std::wstring& name, const std::vector<CDB
     if (!m_db || m_readOnly || name.empty() || m_schema.count(name)) return nullptr;
     std::string create = "CREATE TABLE " + sqlIdentifier(name) + " (kdb_addr INTEGER PRIMARY KEY AUTOINCREMENT";
     std::vector<std::string> statements;
+    const std::vector<std::string> columns = sqlColumns(fields);
     for (size_t i = 0; i < fields.size(); ++i) {
         if (fields[i].GetName().empty()) return nullptr;
         for (size_t j = 0; j < i; ++j)
             if (fields[j].GetName() == fields[i].GetName()) return nullptr;
-        create += ", " + sqlIdentifier(fields[i].GetName()) + " " + sqlType(fields[i].GetKind());
+        create += ", " + columns[i] + " " + sqlType(fields[i].GetKind());
         if (fields[i].IsKey()) {
-            const std::wstring index = L"kdb_index_" + name + L"_" + fields[i].GetName();
+            const std::wstring index = L"kdb_index_" + name + L"_" + std::to_wstring(i);
             statements.push_back("CREATE INDEX " + sqlIdentifier(index) + " ON " + sqlIdentifier(name) + " (" +
-                                 sqlIdentifier(fields[i].GetName()) + ")");
+                                 columns[i] + ")");
         }
     }
     statements.insert(statements.begin(), create + ")");

@@ -90,6 +90,43 @@ TEST_F(DatabaseTest, FieldOrderAndKindsSurviveReopening) {
     EXPECT_EQ(reopened.GetTable(L"NoSuchTable"), nullptr);
 }
 
+TEST_F(DatabaseTest, FieldNamesAreCaseSensitive) {
+    // Catalogue rows carry both "B" and "b", "D" and "d" as parameters.
+    CDBTable* table = m_db.CreateTable(L"Params", {{L"b", EnDBFieldKind::Text, true},
+                                                   {L"B", EnDBFieldKind::Int32, true},
+                                                   {L"KDB_ADDR", EnDBFieldKind::Int32},
+                                                   {L"d", EnDBFieldKind::Double}});
+    ASSERT_NE(table, nullptr) << qPrintable(m_db.GetLastError());
+    EXPECT_EQ(m_db.CreateTable(L"Twice", {{L"b", EnDBFieldKind::Text}, {L"b", EnDBFieldKind::Text}}), nullptr);
+    CDBRecord* record = table->CreateRecord();
+    record->SetString(0, L"80");
+    record->SetInt(1, 125);
+    record->SetInt(2, 7);
+    record->SetDouble(3, 10);
+    table->AddRecord(record);
+    record->Release();
+    ASSERT_TRUE(m_db.Flush());
+    m_db.Close();
+
+    CDatabase reopened;
+    ASSERT_TRUE(reopened.Open(m_path, true));
+    table = reopened.GetTable(L"Params");
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->FindField(L"B"), 1);
+    EXPECT_EQ(table->FindField(L"D"), -1);
+    CFileAddressList found;
+    ASSERT_TRUE(table->Search(1, 125, found));
+    ASSERT_EQ(found.GetCount(), 1);
+    CDBRecord* read = table->GetRecord(found.GetItem(0));
+    EXPECT_EQ(read->GetString(0), L"80");
+    EXPECT_EQ(read->GetInt(1), 125);
+    EXPECT_EQ(read->GetInt(2), 7);
+    EXPECT_EQ(read->GetDouble(3), 10.0);
+    read->Release();
+    EXPECT_TRUE(table->Query(L"B==125", found));
+    EXPECT_FALSE(table->Search(1, 80, found));
+}
+
 TEST_F(DatabaseTest, EveryFieldKindRoundTripsExactly) {
     CDBRecord* record = m_table->CreateRecord();
     CCoord3 frame;
