@@ -2,6 +2,7 @@
 #include "ndp/NDPDBRecord.h"
 
 #include "ndp/NDPDBTable.h"
+#include "ndp/NDPPolygon.h"
 
 #include <QDataStream>
 
@@ -124,6 +125,17 @@ bool CDBRecord::SetBytes(int field, const QByteArray& value) {
     if (!(kindIs(field, NDP_KIND(Polygon)) || kindIs(field, NDP_KIND(Stream)))) return false;
     m_values[static_cast<size_t>(field)] = QVariant(value);
     return true;
+}
+
+bool CDBRecord::SetPolygon(int field, const CPolygon& polygon) {
+    if (!kindIs(field, NDP_KIND(Polygon))) return false;
+    m_values[static_cast<size_t>(field)] = QVariant(polygon.ToBytes());
+    return true;
+}
+
+bool CDBRecord::GetPolygon(int field, CPolygon& out) const {
+    if (IsNull(field) || !kindIs(field, NDP_KIND(Polygon))) return false;
+    return CPolygon::FromBytes(m_values[static_cast<size_t>(field)].toByteArray(), out);
 }
 
 #undef NDP_KIND

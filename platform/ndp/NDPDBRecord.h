@@ -15,6 +15,7 @@
 namespace ndp {
 
 class CDBTable;
+class CPolygon;
 
 class BXQPLATFORM_EXPORT CDBRecord {
 public:
@@ -43,6 +44,11 @@ public:
     bool SetString(int field, const std::wstring& value);
     bool SetCoord3(int field, const CCoord3& value);
     bool SetBytes(int field, const QByteArray& value);
+
+    // Polygon fields only: false for another kind, and on reading for a null or unreadable value
+    // (out is then unchanged).
+    bool SetPolygon(int field, const CPolygon& polygon);
+    bool GetPolygon(int field, CPolygon& out) const;
 
 private:
     friend class CDBTable;

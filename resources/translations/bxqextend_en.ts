@@ -35,7 +35,7 @@
     </message>
     <message>
         <source>自定义截面类型</source>
-        <translation>Custom section type</translation>
+        <translation>CustomSectionType</translation>
     </message>
 </context>
 </TS>

@@ -1,0 +1,153 @@
+// SKRSectionDbOperation: custom polygon sections added, updated, removed and read by ID.
+#include "section_data/SKRSectionDbOperation.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "ndp/NDPPolygon.h"
+
+#include <QCoreApplication>
+
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+const char kCannotAccept[] = "cannot accept:DB is nullptr ;CustomPoly doesn't exist;CustomPolyType doesn't exist";
+const char kInvalidQuery[] = "Invalid Query String!";
+const char kInvalidField[] = "Invalid Field Name!";
+
+// Releases a record however the work on it ends.
+struct RecordRef {
+    ndp::CDBRecord* record;
+    ~RecordRef() {
+        if (record) record->Release();
+    }
+};
+
+int fieldIndex(ndp::CDBTable* table, const wchar_t* name) {
+    const int index = table->FindField(name);
+    if (index < 0) throw std::invalid_argument(kInvalidField);
+    return index;
+}
+
+QString customSectionText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面"); }
+QString customSectionTypeText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面类型"); }
+
+// The "%s==%d" form on "ID".
+std::wstring idQuery(int id) { return L"ID==" + std::to_wstring(id); }
+
+// The fields an update rewrites; an add writes them too.
+void writeEditableFields(ndp::CDBTable* table, ndp::CDBRecord* record, const SKRCustomPolyInfo& info) {
+    record->SetString(fieldIndex(table, L"Description"), info.description.toStdWString());
+    record->SetString(fieldIndex(table, L"HorzSpace"), info.horzSpace.toStdWString());
+    record->SetString(fieldIndex(table, L"VertSpace"), info.vertSpace.toStdWString());
+    record->SetDouble(fieldIndex(table, L"InsertPointX"), info.insertPointX);
+    record->SetDouble(fieldIndex(table, L"InsertPointY"), info.insertPointY);
+    record->SetPolygon(fieldIndex(table, L"PolyData"), info.polygon ? *info.polygon : ndp::CPolygon());
+    record->SetBytes(fieldIndex(table, L"VectorDrawingInfo"), info.vectorDrawingInfo);
+}
+
+}  // namespace
+
+SKRSectionDbOperation::SKRSectionDbOperation(ndp::CDatabase* db)
+    : m_pDatabase(db),
+      m_pCustomPoly(db ? db->GetTable(L"CustomPoly") : nullptr),
+      m_pCustomPolyType(db ? db->GetTable(L"CustomPolyType") : nullptr) {
+    if (!m_pDatabase || !m_pCustomPoly || !m_pCustomPolyType) throw std::invalid_argument(kCannotAccept);
+}
+
+int SKRSectionDbOperation::nextId(ndp::CDBTable* table) const {
+    ndp::CFileAddressList all;
+    int last = 0;
+    if (table->ListAll(all) && all.GetCount() > 0) {
+        RecordRef ref{table->GetRecord(all.GetItem(all.GetCount() - 1))};
+        last = ref.record ? ref.record->GetInt(fieldIndex(table, L"ID"), -1) : -1;
+    }
+    return last + 1;
+}
+
+bool SKRSectionDbOperation::addCustomPoly(SKRCustomPolyInfo& info) {
+    // Every custom polygon gets a type row of its own.
+    const int typeId = nextId(m_pCustomPolyType);
+    bool written;
+    {
+        RecordRef type{m_pCustomPolyType->CreateRecord()};
+        type.record->SetInt(fieldIndex(m_pCustomPolyType, L"ID"), typeId);
+        type.record->SetString(fieldIndex(m_pCustomPolyType, L"Description"), customSectionTypeText().toStdWString());
+        written = m_pCustomPolyType->AddRecord(type.record) != ndp::kNullAddress;
+    }
+    written = m_pDatabase->Flush() && written;
+
+    info.id = nextId(m_pCustomPoly);
+    info.description = customSectionText() + QString::number(info.id);
+
+    RecordRef poly{m_pCustomPoly->CreateRecord()};
+    poly.record->SetInt(fieldIndex(m_pCustomPoly, L"ID"), info.id);
+    poly.record->SetInt(fieldIndex(m_pCustomPoly, L"CustomPolyTypeID"), typeId);
+    writeEditableFields(m_pCustomPoly, poly.record, info);
+    poly.record->SetString(fieldIndex(m_pCustomPoly, L"TypeName"), customSectionTypeText().toStdWString());
+    written = m_pCustomPoly->AddRecord(poly.record) != ndp::kNullAddress && written;
+    return m_pDatabase->Flush() && written;
+}
+
+bool SKRSectionDbOperation::updateCustomPoly(const SKRCustomPolyInfo& info) {
+    ndp::CFileAddressList found;
+    if (!m_pCustomPoly->Query(idQuery(info.id), found)) throw std::invalid_argument(kInvalidQuery);
+    if (found.GetCount() == 0) return false;
+    RecordRef ref{m_pCustomPoly->GetRecord(found.GetItem(0))};
+    if (!ref.record) return false;
+    writeEditableFields(m_pCustomPoly, ref.record, info);
+    const bool modified = m_pCustomPoly->ModifyRecord(ref.record);
+    return m_pDatabase->Flush() && modified;
+}
+
+bool SKRSectionDbOperation::removeCustomPoly(int id) {
+    ndp::CFileAddressList found;
+    m_pCustomPoly->Search(fieldIndex(m_pCustomPoly, L"ID"), id, found);
+    bool removed = false;
+    for (int i = 0; i < found.GetCount(); ++i) removed = m_pCustomPoly->DeleteRecord(found.GetItem(i)) || removed;
+    return removed;
+}
+
+bool SKRSectionDbOperation::readCustomPoly(int id, SKRCustomPolyInfo& info, ndp::CPolygon& polygon, QString* error) {
+    return readById(id, false, info, polygon, error);
+}
+
+bool SKRSectionDbOperation::readCustomPolyWithDrawing(int id, SKRCustomPolyInfo& info, ndp::CPolygon& polygon,
+                                                      QString* error) {
+    return readById(id, true, info, polygon, error);
+}
+
+bool SKRSectionDbOperation::readById(int id, bool withDrawing, SKRCustomPolyInfo& info, ndp::CPolygon& polygon,
+                                     QString* error) {
+    ndp::CFileAddressList found;
+    if (!m_pCustomPoly->Query(idQuery(id), found)) throw std::invalid_argument(kInvalidQuery);
+    RecordRef ref{found.GetCount() > 0 ? m_pCustomPoly->GetRecord(found.GetItem(0)) : nullptr};
+    if (!ref.record) {
+        if (error) *error = QStringLiteral("no custom polygon with ID %1").arg(id);
+        return false;
+    }
+    ndp::CDBRecord* record = ref.record;
+
+    ndp::CPolygon outline;
+    const int polyData = fieldIndex(m_pCustomPoly, L"PolyData");
+    QString why;
+    if (!record->IsNull(polyData) && !ndp::CPolygon::FromBytes(record->GetBytes(polyData), outline, &why)) {
+        if (error) *error = QStringLiteral("custom polygon %1: the outline is unreadable: %2").arg(id).arg(why);
+        return false;
+    }
+
+    SKRCustomPolyInfo read;
+    read.id = record->GetInt(fieldIndex(m_pCustomPoly, L"ID"));
+    read.description = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"Description")));
+    read.insertPointX = record->GetDouble(fieldIndex(m_pCustomPoly, L"InsertPointX"));
+    read.insertPointY = record->GetDouble(fieldIndex(m_pCustomPoly, L"InsertPointY"));
+    read.horzSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"HorzSpace")));
+    read.vertSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"VertSpace")));
+    if (withDrawing) read.vectorDrawingInfo = record->GetBytes(fieldIndex(m_pCustomPoly, L"VectorDrawingInfo"));
+    polygon = std::move(outline);
+    read.polygon = &polygon;
+    info = std::move(read);
+    return true;
+}

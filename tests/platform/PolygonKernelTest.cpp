@@ -1,0 +1,545 @@
+// The planar geometry kernel: lines and the four arc types, loop areas and turning senses,
+// polygons with holes, the stored form of a polygon and polygon fields of database records.
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "ndp/NDPGeometry2d.h"
+#include "ndp/NDPPolygon.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QDataStream>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+
+using namespace ndp;
+
+namespace {
+
+const double kPi = 3.14159265358979323846;
+
+CLoop* rectangle(double x0, double y0, double x1, double y1) {
+    auto* loop = new CLoop;
+    loop->AddCurve(new CLine2d({x0, y0}, {x1, y0}), false);
+    loop->AddCurve(new CLine2d({x1, y0}, {x1, y1}), false);
+    loop->AddCurve(new CLine2d({x1, y1}, {x0, y1}), false);
+    loop->AddCurve(new CLine2d({x0, y1}, {x0, y0}), false);
+    return loop;
+}
+
+// A slot: straight sides of length `length`, half-circle ends of radius `radius`, counter-clockwise.
+CLoop* slot(double length, double radius, double arcValue) {
+    auto* loop = new CLoop;
+    loop->AddCurve(new CLine2d({0, 0}, {length, 0}), false);
+    loop->AddCurve(new CArc2d({length, 0}, {length, 2 * radius}, arcValue, 1), false);
+    loop->AddCurve(new CLine2d({length, 2 * radius}, {0, 2 * radius}), false);
+    loop->AddCurve(new CArc2d({0, 2 * radius}, {0, 0}, arcValue, 1), false);
+    return loop;
+}
+
+CLoop* circle(double cx, double cy, double r) {
+    auto* loop = new CLoop;
+    loop->AddCurve(new CArc2d({cx, cy}, r, 0.0, 2 * kPi), false);
+    return loop;
+}
+
+bool finite(const CPoint2d& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+void expectPoint(const CPoint2d& actual, double x, double y, double tolerance = 1e-9) {
+    EXPECT_NEAR(actual.x, x, tolerance);
+    EXPECT_NEAR(actual.y, y, tolerance);
+}
+
+// Outer rectangle with a round and a square hole, and arcs of every type in a further loop.
+CPolygon samplePolygon() {
+    CPolygon polygon;
+    polygon.AddLoop(rectangle(0, 0, 100.125, 50.0 / 3), true);
+    polygon.AddLoop(circle(20.1, 8.3, 10.0 / 7), true);
+    auto* mixed = new CLoop;
+    mixed->AddCurve(new CArc2d({40, 2}, {60.3, 2.7}, 13.7, 1), false);
+    mixed->AddCurve(new CArc2d({60.3, 2.7}, {61, 12}, 7.1, 2), false);
+    mixed->AddCurve(new CArc2d({61, 12}, {45, 14}, 30, 3), false);
+    mixed->AddCurve(new CArc2d({45, 14}, {40, 2}, 0.1, 4), false);
+    mixed->AddCurve(new CLine2d({40, 2}, {40, 2}), false);
+    polygon.AddLoop(mixed, true);
+    return polygon;
+}
+
+// Bytes in the stored form with a valid checksum, so that only the content is wrong.
+QByteArray withChecksum(const QByteArray& payload) {
+    QByteArray bytes = payload;
+    const quint16 sum = qChecksum(bytes.constData(), static_cast<uint>(bytes.size()));
+    bytes.append(static_cast<char>(sum & 0xFF));
+    bytes.append(static_cast<char>(sum >> 8));
+    return bytes;
+}
+
+QByteArray header(quint16 version = 1) {
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setByteOrder(QDataStream::LittleEndian);
+    out << quint32(0x4750444E) << version;
+    return bytes;
+}
+
+template <typename... T>
+QByteArray appended(QByteArray bytes, T... values) {
+    QDataStream out(&bytes, QIODevice::Append);
+    out.setByteOrder(QDataStream::LittleEndian);
+    out.setFloatingPointPrecision(QDataStream::DoublePrecision);
+    (out << ... << values);
+    return bytes;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Lines and loops of lines
+
+TEST(LineLoops, RectangleHasItsAreaLengthBoxAndTurnsCounterClockwise) {
+    std::unique_ptr<CLoop> loop(rectangle(2, 3, 12, 8));
+    EXPECT_EQ(loop->GetCount(), 4);
+    EXPECT_DOUBLE_EQ(loop->SignedArea(), 50.0);
+    EXPECT_EQ(loop->ClockSign(), 1);
+    EXPECT_DOUBLE_EQ(loop->Length(), 30.0);
+    EXPECT_TRUE(loop->IsClosed());
+    const CBox2d box = loop->BoundingBox();
+    ASSERT_FALSE(box.IsEmpty());
+    EXPECT_EQ(box.Min(), CPoint2d(2, 3));
+    EXPECT_EQ(box.Max(), CPoint2d(12, 8));
+}
+
+TEST(LineLoops, ReversedRectangleTurnsClockwiseAndStaysClosed) {
+    std::unique_ptr<CLoop> loop(rectangle(0, 0, 4, 3));
+    loop->Reverse();
+    EXPECT_EQ(loop->ClockSign(), -1);
+    EXPECT_DOUBLE_EQ(loop->SignedArea(), -12.0);
+    EXPECT_TRUE(loop->IsClosed());
+    // The last side, turned round, comes first.
+    EXPECT_EQ(loop->GetCurve(0)->StartPoint(), CPoint2d(0, 0));
+    EXPECT_EQ(loop->GetCurve(0)->EndPoint(), CPoint2d(0, 3));
+    loop->Reverse();
+    EXPECT_EQ(loop->ClockSign(), 1);
+}
+
+TEST(LineLoops, EmptyAndFlatLoopsHaveNoTurningSense) {
+    CLoop empty;
+    EXPECT_EQ(empty.ClockSign(), 0);
+    EXPECT_FALSE(empty.IsClosed());
+    EXPECT_TRUE(empty.BoundingBox().IsEmpty());
+
+    CLoop flat;  // there and back along one line
+    flat.AddCurve(new CLine2d({0, 0}, {10, 10}), false);
+    flat.AddCurve(new CLine2d({10, 10}, {0, 0}), false);
+    EXPECT_EQ(flat.ClockSign(), 0);
+}
+
+TEST(LineLoops, CurveAddedReversedRunsTheOtherWayAndNullIsRefused) {
+    CLoop loop;
+    EXPECT_TRUE(loop.AddCurve(new CLine2d({1, 2}, {5, 6}), true));
+    EXPECT_EQ(loop.GetCurve(0)->StartPoint(), CPoint2d(5, 6));
+    EXPECT_EQ(loop.GetCurve(0)->EndPoint(), CPoint2d(1, 2));
+    EXPECT_FALSE(loop.AddCurve(nullptr, false));
+    EXPECT_EQ(loop.GetCount(), 1);
+    EXPECT_EQ(loop.GetCurve(1), nullptr);
+    EXPECT_EQ(loop.GetCurve(-1), nullptr);
+}
+
+TEST(LineLoops, LoopWithAGapIsNotClosed) {
+    CLoop loop;
+    loop.AddCurve(new CLine2d({0, 0}, {10, 0}), false);
+    loop.AddCurve(new CLine2d({10, 0}, {10, 10}), false);
+    loop.AddCurve(new CLine2d({10, 10}, {0, 0.1}), false);
+    EXPECT_FALSE(loop.IsClosed());
+    EXPECT_TRUE(loop.IsClosed(0.2));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Arcs through two points
+
+TEST(ArcTypes, FourTypesBetweenTheSamePointsAreTheFourDistinctArcs) {
+    // Chord from (0,0) to (10,0), radius 13: the centres lie 12 above or below the midpoint.
+    const CPoint2d p(0, 0), q(10, 0);
+    const double minor = 2 * std::atan2(5.0, 12.0);
+    struct Expected {
+        int type;
+        double centreY;
+        double midY;
+        double sweep;
+    } rows[] = {
+        {1, 12, -1, minor},               // minor, counter-clockwise: bulges right of the chord
+        {2, -12, 1, -minor},              // minor, clockwise: bulges left
+        {3, -12, -25, 2 * kPi - minor},   // major, counter-clockwise
+        {4, 12, 25, -(2 * kPi - minor)},  // major, clockwise
+    };
+    for (const Expected& row : rows) {
+        SCOPED_TRACE(row.type);
+        const CArc2d arc(p, q, 13.0, row.type);
+        EXPECT_EQ(arc.StartPoint(), p);
+        EXPECT_EQ(arc.EndPoint(), q);
+        EXPECT_DOUBLE_EQ(arc.Radius(), 13.0);
+        expectPoint(arc.Centre(), 5, row.centreY);
+        expectPoint(arc.PointAt(0.5), 5, row.midY);
+        EXPECT_NEAR(arc.Sweep(), row.sweep, 1e-12);
+        EXPECT_EQ(arc.IsCounterClockwise(), row.sweep > 0);
+        EXPECT_NEAR(arc.Length(), 13.0 * std::fabs(row.sweep), 1e-9);
+        // Points along the arc stay on its circle.
+        for (double t : {0.1, 0.37, 0.8}) EXPECT_NEAR(arc.PointAt(t).DistanceTo(arc.Centre()), 13.0, 1e-9);
+    }
+}
+
+TEST(ArcTypes, ArcBoxIncludesTheCircleExtremesItPasses) {
+    const CArc2d major(CPoint2d(0, 0), CPoint2d(10, 0), 13.0, 3);  // centre (5,-12), dips to y = -25
+    const CBox2d box = major.BoundingBox();
+    EXPECT_NEAR(box.Min().x, -8, 1e-9);
+    EXPECT_NEAR(box.Max().x, 18, 1e-9);
+    EXPECT_NEAR(box.Min().y, -25, 1e-9);
+    EXPECT_NEAR(box.Max().y, 0, 1e-9);
+
+    const CArc2d minor(CPoint2d(0, 0), CPoint2d(10, 0), 13.0, 2);  // rises to y = 1 only
+    const CBox2d small = minor.BoundingBox();
+    EXPECT_NEAR(small.Max().y, 1, 1e-9);
+    EXPECT_NEAR(small.Min().x, 0, 1e-12);
+    EXPECT_NEAR(small.Max().x, 10, 1e-12);
+}
+
+TEST(ArcTypes, ReversingSwapsEndsAndSenseAndTwiceRestoresTheArcExactly) {
+    const CArc2d original(CPoint2d(1, 2), CPoint2d(7, -3), 9.5, 3);
+    CArc2d arc = original;
+    arc.Reverse();
+    EXPECT_EQ(arc.StartPoint(), original.EndPoint());
+    EXPECT_EQ(arc.EndPoint(), original.StartPoint());
+    EXPECT_EQ(arc.Sweep(), -original.Sweep());
+    EXPECT_DOUBLE_EQ(arc.SignedArea() + original.SignedArea(), 0.0);
+    arc.Reverse();
+    EXPECT_TRUE(arc.IsEqual(original));
+}
+
+TEST(ArcTypes, RadiusBelowHalfTheChordGivesAHalfCircle) {
+    const CPoint2d p(0, 0), q(0, 10);
+    for (double value : {0.0, 1.0, 4.999, -3.0, std::numeric_limits<double>::quiet_NaN(),
+                         std::numeric_limits<double>::infinity()}) {
+        SCOPED_TRACE(value);
+        for (int type = 1; type <= 4; ++type) {
+            const CArc2d arc(p, q, value, type);
+            EXPECT_DOUBLE_EQ(arc.Radius(), 5.0);
+            expectPoint(arc.Centre(), 0, 5);
+            EXPECT_NEAR(std::fabs(arc.Sweep()), kPi, 1e-12);
+            EXPECT_TRUE(finite(arc.PointAt(0.5)));
+            EXPECT_TRUE(std::isfinite(arc.SignedArea()));
+        }
+    }
+    // A negative value is taken by its size.
+    const CArc2d negative(p, q, -13.0, 1);
+    EXPECT_DOUBLE_EQ(negative.Radius(), 13.0);
+}
+
+TEST(ArcTypes, DegenerateInputsStayFinite) {
+    const CArc2d coincident(CPoint2d(3, 4), CPoint2d(3, 4), 10.0, 3);
+    EXPECT_EQ(coincident.StartPoint(), CPoint2d(3, 4));
+    EXPECT_EQ(coincident.EndPoint(), CPoint2d(3, 4));
+    EXPECT_EQ(coincident.Length(), 0.0);
+    EXPECT_TRUE(finite(coincident.PointAt(0.5)));
+
+    const CArc2d huge(CPoint2d(0, 0), CPoint2d(1, 0), 1e200, 1);  // practically a straight line
+    EXPECT_TRUE(finite(huge.Centre()));
+    EXPECT_NEAR(huge.Length(), 1.0, 1e-12);
+    expectPoint(huge.PointAt(0.5), 0.5, 0.0);
+    EXPECT_TRUE(std::isfinite(huge.SignedArea()));
+
+    // An unknown type is taken as type 1.
+    EXPECT_TRUE(CArc2d(CPoint2d(0, 0), CPoint2d(10, 0), 13.0, 7).IsEqual(CArc2d(CPoint2d(0, 0), CPoint2d(10, 0), 13.0, 1)));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Arcs about a centre and loops with arcs
+
+TEST(ArcLoops, FullCircleEndsWhereItStartsAndEnclosesPiRSquared) {
+    const CArc2d arc(CPoint2d(10, 20), 5.0, 0.0, 2 * kPi);
+    EXPECT_TRUE(arc.IsFullCircle());
+    EXPECT_EQ(arc.StartPoint(), arc.EndPoint());
+    expectPoint(arc.StartPoint(), 15, 20, 0);
+    EXPECT_NEAR(arc.SignedArea(), kPi * 25, 1e-12);
+    EXPECT_NEAR(arc.Length(), 10 * kPi, 1e-12);
+    const CBox2d box = arc.BoundingBox();
+    expectPoint(box.Min(), 5, 15, 1e-12);
+    expectPoint(box.Max(), 15, 25, 1e-12);
+
+    std::unique_ptr<CLoop> loop(circle(-3, 4, 2.5));
+    EXPECT_TRUE(loop->IsClosed());
+    EXPECT_EQ(loop->ClockSign(), 1);
+    loop->Reverse();
+    EXPECT_EQ(loop->ClockSign(), -1);
+    EXPECT_NEAR(loop->SignedArea(), -kPi * 6.25, 1e-12);
+}
+
+TEST(ArcLoops, CentreArcRunsCounterClockwiseFromStartToEndAngle) {
+    const CArc2d quarter(CPoint2d(1, 1), 2.0, kPi / 2, kPi);
+    expectPoint(quarter.StartPoint(), 1, 3);
+    expectPoint(quarter.EndPoint(), -1, 1);
+    EXPECT_NEAR(quarter.Sweep(), kPi / 2, 1e-15);
+    // An end angle below the start goes round the long way, still counter-clockwise.
+    const CArc2d wrapped(CPoint2d(0, 0), 1.0, kPi / 2, 0.0);
+    EXPECT_NEAR(wrapped.Sweep(), 1.5 * kPi, 1e-12);
+    expectPoint(wrapped.PointAt(0.5), -std::sqrt(0.5), -std::sqrt(0.5));
+    // More than a full turn is a full circle.
+    EXPECT_TRUE(CArc2d(CPoint2d(0, 0), 1.0, 0.0, 10.0).IsFullCircle());
+}
+
+TEST(ArcLoops, SlotHasTheExactAreaOfItsRectangleAndCircle) {
+    std::unique_ptr<CLoop> loop(slot(40, 6, 6));
+    EXPECT_TRUE(loop->IsClosed());
+    EXPECT_EQ(loop->ClockSign(), 1);
+    EXPECT_NEAR(loop->SignedArea(), 40 * 12 + kPi * 36, 1e-9);
+    EXPECT_NEAR(loop->Length(), 80 + 2 * kPi * 6, 1e-9);
+    const CBox2d box = loop->BoundingBox();
+    expectPoint(box.Min(), -6, 0, 1e-9);
+    expectPoint(box.Max(), 46, 12, 1e-9);
+
+    // A radius of zero is raised to half the chord: the same slot.
+    std::unique_ptr<CLoop> clamped(slot(40, 6, 0));
+    EXPECT_NEAR(clamped->SignedArea(), 40 * 12 + kPi * 36, 1e-9);
+}
+
+TEST(ArcLoops, MajorSegmentClosedByItsChordHasTheSegmentArea) {
+    // Circle of radius 13 cut by a chord of length 10: the major segment.
+    const double minor = 2 * std::atan2(5.0, 12.0);
+    const double major = 2 * kPi - minor;
+    const double expected = 169.0 / 2 * (major - std::sin(major));
+    for (int type : {3, 4}) {
+        CLoop loop;
+        loop.AddCurve(new CArc2d({0, 0}, {10, 0}, 13.0, type), false);
+        loop.AddCurve(new CLine2d({10, 0}, {0, 0}), false);
+        EXPECT_NEAR(loop.SignedArea(), type == 3 ? expected : -expected, 1e-9);
+        EXPECT_EQ(loop.ClockSign(), type == 3 ? 1 : -1);
+    }
+    // A flat minor arc: the segment area (s - sin s) is tiny but still right.
+    CLoop flat;
+    flat.AddCurve(new CArc2d({0, 0}, {1, 0}, 1000.0, 2), false);
+    flat.AddCurve(new CLine2d({1, 0}, {0, 0}), false);
+    const double s = 2 * std::asin(0.5 / 1000.0);
+    const double series = s * s * s / 6 - std::pow(s, 5) / 120;
+    EXPECT_NEAR(flat.SignedArea(), -0.5 * 1000.0 * 1000.0 * series, 1e-15);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Polygons
+
+TEST(Polygons, AreaIsTheOuterLoopLessItsHolesWhateverTheirSense) {
+    CPolygon polygon;
+    EXPECT_EQ(polygon.Area(), 0.0);
+    polygon.AddLoop(rectangle(0, 0, 100, 50), true);
+    polygon.AddLoop(circle(20, 20, 10), true);
+    CLoop* square = rectangle(60, 10, 70, 20);
+    square->Reverse();
+    polygon.AddLoop(square, true);
+    EXPECT_EQ(polygon.GetLoopCount(), 3);
+    EXPECT_EQ(polygon.GetLoop(2), square);
+    EXPECT_EQ(polygon.GetLoop(3), nullptr);
+    EXPECT_NEAR(polygon.Area(), 5000 - kPi * 100 - 100, 1e-9);
+    const CBox2d box = polygon.BoundingBox();
+    EXPECT_EQ(box.Min(), CPoint2d(0, 0));
+    EXPECT_EQ(box.Max(), CPoint2d(100, 50));
+
+    // A clockwise outer loop gives the same area.
+    polygon.GetLoop(0)->Reverse();
+    EXPECT_NEAR(polygon.Area(), 5000 - kPi * 100 - 100, 1e-9);
+}
+
+TEST(Polygons, LoopAddedWithoutOwnershipIsCopiedAndCopiesAreIndependent) {
+    std::unique_ptr<CLoop> mine(rectangle(0, 0, 2, 2));
+    CPolygon polygon;
+    EXPECT_TRUE(polygon.AddLoop(mine.get(), false));
+    EXPECT_NE(polygon.GetLoop(0), mine.get());
+    mine->Reverse();
+    EXPECT_EQ(polygon.GetLoop(0)->ClockSign(), 1);
+    EXPECT_FALSE(polygon.AddLoop(nullptr, true));
+
+    const CPolygon original = samplePolygon();
+    CPolygon copy(original);
+    EXPECT_EQ(copy, original);
+    copy.GetLoop(0)->Reverse();
+    EXPECT_NE(copy, original);
+    std::unique_ptr<CPolygon> clone(original.Clone());
+    EXPECT_EQ(*clone, original);
+    copy = original;
+    EXPECT_EQ(copy, original);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The stored form
+
+TEST(PolygonBytes, PolygonReadBackIsIdenticalArcsIncluded) {
+    const CPolygon polygon = samplePolygon();
+    const QByteArray bytes = polygon.ToBytes();
+    CPolygon read;
+    QString error;
+    ASSERT_TRUE(CPolygon::FromBytes(bytes, read, &error)) << qPrintable(error);
+    EXPECT_EQ(read, polygon);
+    EXPECT_EQ(read.ToBytes(), bytes);  // every double bit for bit
+    const auto* arc = dynamic_cast<const CArc2d*>(read.GetLoop(2)->GetCurve(2));
+    ASSERT_NE(arc, nullptr);
+    const auto* written = dynamic_cast<const CArc2d*>(polygon.GetLoop(2)->GetCurve(2));
+    EXPECT_EQ(arc->Centre(), written->Centre());
+    EXPECT_EQ(arc->StartAngle(), written->StartAngle());
+    EXPECT_EQ(arc->EndAngle(), written->EndAngle());
+    EXPECT_EQ(read.Area(), polygon.Area());
+}
+
+TEST(PolygonBytes, EmptyPolygonAndEmptyLoopRoundTrip) {
+    CPolygon empty;
+    CPolygon read = samplePolygon();
+    ASSERT_TRUE(CPolygon::FromBytes(empty.ToBytes(), read));
+    EXPECT_TRUE(read.IsEmpty());
+
+    CPolygon withEmptyLoop;
+    withEmptyLoop.AddLoop(new CLoop, true);
+    ASSERT_TRUE(CPolygon::FromBytes(withEmptyLoop.ToBytes(), read));
+    EXPECT_EQ(read.GetLoopCount(), 1);
+    EXPECT_EQ(read.GetLoop(0)->GetCount(), 0);
+}
+
+TEST(PolygonBytes, TruncatedBytesAreRefusedAndLeaveTheTargetAlone) {
+    const QByteArray bytes = samplePolygon().ToBytes();
+    const CPolygon before = samplePolygon();
+    for (int size = 0; size < bytes.size(); ++size) {
+        CPolygon target = before;
+        QString error;
+        EXPECT_FALSE(CPolygon::FromBytes(bytes.left(size), target, &error)) << size;
+        EXPECT_FALSE(error.isEmpty()) << size;
+        EXPECT_EQ(target, before) << size;
+    }
+}
+
+TEST(PolygonBytes, EveryFlippedBitIsDetected) {
+    const QByteArray bytes = samplePolygon().ToBytes();
+    for (int i = 0; i < bytes.size(); ++i) {
+        for (int bit = 0; bit < 8; ++bit) {
+            QByteArray damaged = bytes;
+            damaged[i] = static_cast<char>(damaged[i] ^ (1 << bit));
+            CPolygon target;
+            EXPECT_FALSE(CPolygon::FromBytes(damaged, target)) << i << ":" << bit;
+        }
+    }
+}
+
+TEST(PolygonBytes, GarbageIsRefused) {
+    std::mt19937 random(20240611);
+    for (int size : {1, 7, 12, 13, 64, 1000, 100000}) {
+        QByteArray garbage(size, '\0');
+        for (char& c : garbage) c = static_cast<char>(random() & 0xFF);
+        CPolygon target;
+        EXPECT_FALSE(CPolygon::FromBytes(garbage, target)) << size;
+    }
+    CPolygon target;
+    QString error;
+    EXPECT_FALSE(CPolygon::FromBytes(QByteArray("plain text, not a polygon"), target, &error));
+    EXPECT_FALSE(error.isEmpty());
+    // Garbage behind a valid header and checksum: the content itself must be checked.
+    for (int size : {5, 40, 333}) {
+        QByteArray payload = header();
+        for (int i = 0; i < size; ++i) payload.append(static_cast<char>(random() & 0xFF));
+        EXPECT_FALSE(CPolygon::FromBytes(withChecksum(payload), target)) << size;
+    }
+}
+
+TEST(PolygonBytes, WellFormedButWrongContentIsRefusedWithAReason) {
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        const char* reason;
+    } cases[] = {
+        {"future version", withChecksum(appended(header(2), quint32(0))), "version"},
+        {"huge loop count", withChecksum(appended(header(), quint32(0xFFFFFFFF))), "truncated"},
+        {"huge curve count", withChecksum(appended(header(), quint32(1), quint32(0x7FFFFFFF))), "truncated"},
+        {"unknown curve kind", withChecksum(appended(header(), quint32(1), quint32(1), quint8(9), 0.0, 0.0, 1.0, 1.0)),
+         "kind 9"},
+        {"line with NaN", withChecksum(appended(header(), quint32(1), quint32(1), quint8(1), 0.0,
+                                                std::numeric_limits<double>::quiet_NaN(), 1.0, 1.0)),
+         "loop 1, curve 1"},
+        // Radius 2 about the origin, but the start point lies at distance 1.
+        {"arc off its circle", withChecksum(appended(header(), quint32(1), quint32(1), quint8(2), 1.0, 0.0, -2.0, 0.0,
+                                                     0.0, 0.0, 2.0, 0.0, kPi, kPi)),
+         "arc"},
+        {"trailing bytes", withChecksum(appended(header(), quint32(0), quint32(0))), "unexpected bytes"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        CPolygon target = samplePolygon();
+        QString error;
+        EXPECT_FALSE(CPolygon::FromBytes(c.bytes, target, &error));
+        EXPECT_TRUE(error.contains(QLatin1String(c.reason))) << qPrintable(error);
+        EXPECT_EQ(target, samplePolygon());
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Polygon fields of records
+
+TEST(PolygonFields, PolygonSurvivesTheDatabaseAndOtherKindsAreRefused) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("shapes.KDB");
+    const CPolygon polygon = samplePolygon();
+    {
+        CDatabase db;
+        ASSERT_TRUE(db.Create(path));
+        CDBTable* table = db.CreateTable(L"Shapes", {{L"ID", EnDBFieldKind::Int32, true},
+                                                     {L"Shape", EnDBFieldKind::Polygon},
+                                                     {L"Drawing", EnDBFieldKind::Stream},
+                                                     {L"Name", EnDBFieldKind::Text}});
+        ASSERT_NE(table, nullptr);
+        CDBRecord* record = table->CreateRecord();
+        EXPECT_TRUE(record->SetPolygon(1, polygon));
+        EXPECT_FALSE(record->SetPolygon(2, polygon));
+        EXPECT_FALSE(record->SetPolygon(3, polygon));
+        EXPECT_FALSE(record->SetPolygon(7, polygon));
+        record->SetInt(0, 1);
+        ASSERT_NE(table->AddRecord(record), kNullAddress);
+        record->Release();
+        record = table->CreateRecord();  // a row without a shape
+        record->SetInt(0, 2);
+        record->SetBytes(2, polygon.ToBytes());
+        ASSERT_NE(table->AddRecord(record), kNullAddress);
+        record->Release();
+        ASSERT_TRUE(db.Flush());
+    }
+    CDatabase db;
+    ASSERT_TRUE(db.Open(path, true));
+    CDBTable* table = db.GetTable(L"Shapes");
+    CFileAddressList rows;
+    ASSERT_TRUE(table->ListAll(rows));
+    ASSERT_EQ(rows.GetCount(), 2);
+
+    CDBRecord* first = table->GetRecord(rows.GetItem(0));
+    CPolygon read;
+    EXPECT_TRUE(first->GetPolygon(1, read));
+    EXPECT_EQ(read, polygon);
+    first->Release();
+
+    CDBRecord* second = table->GetRecord(rows.GetItem(1));
+    CPolygon untouched = samplePolygon();
+    untouched.RemoveAll();
+    EXPECT_FALSE(second->GetPolygon(1, untouched));  // null
+    EXPECT_FALSE(second->GetPolygon(2, untouched));  // a stream, even one holding polygon bytes
+    EXPECT_TRUE(untouched.IsEmpty());
+    second->Release();
+}
+
+TEST(PolygonFields, UnreadableStoredPolygonIsRefused) {
+    QTemporaryDir dir;
+    CDatabase db;
+    ASSERT_TRUE(db.Create(dir.filePath("shapes.KDB")));
+    CDBTable* table = db.CreateTable(L"Shapes", {{L"Shape", EnDBFieldKind::Polygon}});
+    CDBRecord* record = table->CreateRecord();
+    EXPECT_TRUE(record->SetBytes(0, QByteArray("\x4E\x44\x50\x47\x01", 5)));
+    const CPolygon before = samplePolygon();
+    CPolygon target = before;
+    EXPECT_FALSE(record->GetPolygon(0, target));
+    EXPECT_EQ(target, before);
+    record->Release();
+}

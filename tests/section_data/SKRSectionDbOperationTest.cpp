@@ -1,0 +1,374 @@
+// The custom polygon store on a real project file: IDs and type rows of new polygons, what
+// survives closing and reopening the project (flushed or not), updates, removals, refusals and
+// the translated names.
+#include "section_data/SKRSectionDbOperation.h"
+
+#include "plugin/BXQTranslations.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "ndp/NDPPolygon.h"
+#include "vmp/VMPProjectModel.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+#include <QTranslator>
+
+#include <memory>
+#include <stdexcept>
+
+using ndp::CArc2d;
+using ndp::CLine2d;
+using ndp::CLoop;
+using ndp::CPolygon;
+using ndp::EnDBFieldKind;
+
+namespace {
+
+const char kCannotAccept[] = "cannot accept:DB is nullptr ;CustomPoly doesn't exist;CustomPolyType doesn't exist";
+
+// A plate with rounded ends and a bolt hole.
+CPolygon plate(double width) {
+    CPolygon polygon;
+    auto* outer = new CLoop;
+    outer->AddCurve(new CLine2d({0, 0}, {width, 0}), false);
+    outer->AddCurve(new CArc2d({width, 0}, {width, 30}, 15, 1), false);
+    outer->AddCurve(new CLine2d({width, 30}, {0, 30}), false);
+    outer->AddCurve(new CArc2d({0, 30}, {0, 0}, 20, 3), false);
+    polygon.AddLoop(outer, true);
+    auto* hole = new CLoop;
+    hole->AddCurve(new CArc2d({width / 3, 15}, 4.5, 0.0, 6.283185307179586), false);
+    polygon.AddLoop(hole, true);
+    return polygon;
+}
+
+QByteArray drawingBytes() {
+    QByteArray bytes;
+    for (int i = 0; i < 512; ++i) bytes.append(static_cast<char>(i % 256));
+    bytes.append(QByteArray(16, '\0'));
+    return bytes;
+}
+
+std::string thrownBy(ndp::CDatabase* db) {
+    try {
+        SKRSectionDbOperation store(db);
+    } catch (const std::invalid_argument& e) {
+        return e.what();
+    }
+    return "nothing thrown";
+}
+
+// Removes every translator installed on the application, whatever the test did.
+struct TranslationGuard {
+    ~TranslationGuard() {
+        for (QTranslator* translator : QCoreApplication::instance()->findChildren<QTranslator*>()) {
+            QCoreApplication::removeTranslator(translator);
+            delete translator;
+        }
+    }
+};
+
+class CustomPolyStoreTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_dir.isValid());
+        m_path = m_dir.filePath("project.KDB");
+        reopen();
+    }
+
+    // Closes the project, discarding whatever was not flushed, and opens it again.
+    void reopen() {
+        m_store.reset();
+        m_project.reset();
+        m_project = std::make_unique<VMPProjectModel>();
+        ASSERT_TRUE(m_project->open(m_path)) << qPrintable(m_project->lastError());
+        m_store = std::make_unique<SKRSectionDbOperation>(db());
+    }
+
+    ndp::CDatabase* db() { return m_project->getProjectDB(); }
+    ndp::CDBTable* table(const wchar_t* name) { return db()->GetTable(name); }
+
+    SKRCustomPolyInfo added(CPolygon* polygon, const QString& horz = QStringLiteral("100")) {
+        SKRCustomPolyInfo info;
+        info.polygon = polygon;
+        info.insertPointX = 12.5;
+        info.insertPointY = -7.25;
+        info.horzSpace = horz;
+        info.vertSpace = QStringLiteral("50");
+        info.vectorDrawingInfo = drawingBytes();
+        EXPECT_TRUE(m_store->addCustomPoly(info));
+        return info;
+    }
+
+    // (ID, Description) of every "CustomPolyType" row, in table order.
+    std::vector<std::pair<int, std::wstring>> typeRows() {
+        std::vector<std::pair<int, std::wstring>> rows;
+        ndp::CDBTable* types = table(L"CustomPolyType");
+        ndp::CFileAddressList all;
+        types->ListAll(all);
+        for (int i = 0; i < all.GetCount(); ++i) {
+            ndp::CDBRecord* record = types->GetRecord(all.GetItem(i));
+            rows.emplace_back(record->GetInt(types->FindField(L"ID"), -99),
+                              record->GetString(types->FindField(L"Description")));
+            record->Release();
+        }
+        return rows;
+    }
+
+    int polyRowCount() {
+        ndp::CFileAddressList all;
+        table(L"CustomPoly")->ListAll(all);
+        return all.GetCount();
+    }
+
+    // A field of the "CustomPoly" row with that ID, read straight from the table.
+    template <typename Read>
+    auto polyField(int id, const wchar_t* field, Read read) {
+        ndp::CDBTable* polys = table(L"CustomPoly");
+        ndp::CFileAddress address = ndp::kNullAddress;
+        EXPECT_TRUE(polys->Find(polys->FindField(L"ID"), id, address));
+        ndp::CDBRecord* record = polys->GetRecord(address);
+        auto value = read(record, polys->FindField(field));
+        record->Release();
+        return value;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_path;
+    std::unique_ptr<VMPProjectModel> m_project;
+    std::unique_ptr<SKRSectionDbOperation> m_store;
+};
+
+auto readInt = [](ndp::CDBRecord* r, int f) { return r->GetInt(f, -99); };
+auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Adding
+
+TEST_F(CustomPolyStoreTest, FirstPolygonsOfAnEmptyProjectGetConsecutiveIdsAndATypeRowEach) {
+    CPolygon polygon = plate(80);
+    const SKRCustomPolyInfo first = added(&polygon);
+    EXPECT_EQ(first.id, 1);
+    EXPECT_EQ(first.description, QStringLiteral("自定义截面1"));
+    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}}));
+    EXPECT_EQ(polyField(1, L"CustomPolyTypeID", readInt), 1);
+    EXPECT_EQ(polyField(1, L"TypeName", readText), L"自定义截面类型");
+    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
+
+    const SKRCustomPolyInfo second = added(&polygon);
+    EXPECT_EQ(second.id, 2);
+    EXPECT_EQ(second.description, QStringLiteral("自定义截面2"));
+    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}, {2, L"自定义截面类型"}}));
+    EXPECT_EQ(polyField(2, L"CustomPolyTypeID", readInt), 2);
+}
+
+TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
+    ndp::CDBTable* polys = table(L"CustomPoly");
+    ndp::CDBRecord* record = polys->CreateRecord();
+    record->SetInt(polys->FindField(L"ID"), 41);
+    polys->AddRecord(record);
+    record->Release();
+    ndp::CDBTable* types = table(L"CustomPolyType");
+    record = types->CreateRecord();  // a type row without an ID counts as -1
+    types->AddRecord(record);
+    record->Release();
+
+    CPolygon polygon = plate(60);
+    const SKRCustomPolyInfo info = added(&polygon);
+    EXPECT_EQ(info.id, 42);
+    EXPECT_EQ(info.description, QStringLiteral("自定义截面42"));
+    EXPECT_EQ(typeRows().back().first, 0);
+    EXPECT_EQ(polyField(42, L"CustomPolyTypeID", readInt), 0);
+}
+
+TEST_F(CustomPolyStoreTest, AddedPolygonIsFlushedAndReadsBackIdenticalAfterReopening) {
+    CPolygon polygon = plate(120.3);
+    const SKRCustomPolyInfo info = added(&polygon);
+    reopen();
+
+    CPolygon read;
+    SKRCustomPolyInfo got;
+    QString error;
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read, &error)) << qPrintable(error);
+    EXPECT_EQ(got.id, info.id);
+    EXPECT_EQ(got.description, info.description);
+    EXPECT_EQ(got.polygon, &read);
+    EXPECT_EQ(read, polygon);
+    EXPECT_EQ(read.ToBytes(), polygon.ToBytes());
+    EXPECT_EQ(got.insertPointX, 12.5);
+    EXPECT_EQ(got.insertPointY, -7.25);
+    EXPECT_EQ(got.horzSpace, QStringLiteral("100"));
+    EXPECT_EQ(got.vertSpace, QStringLiteral("50"));
+    EXPECT_EQ(got.vectorDrawingInfo, drawingBytes());
+
+    // The reader without the drawing leaves it out.
+    SKRCustomPolyInfo plain;
+    plain.vectorDrawingInfo = QByteArray("stale");
+    CPolygon outline;
+    ASSERT_TRUE(m_store->readCustomPoly(info.id, plain, outline));
+    EXPECT_EQ(outline, polygon);
+    EXPECT_EQ(plain.polygon, &outline);
+    EXPECT_EQ(plain.horzSpace, QStringLiteral("100"));
+    EXPECT_TRUE(plain.vectorDrawingInfo.isEmpty());
+}
+
+TEST_F(CustomPolyStoreTest, DrawingBytesOfAnyValueAndNoPolygonRoundTrip) {
+    SKRCustomPolyInfo info;
+    info.vectorDrawingInfo = QByteArray("\0\0\x01\xFF\0", 5);
+    ASSERT_TRUE(m_store->addCustomPoly(info));
+    SKRCustomPolyInfo empty;
+    ASSERT_TRUE(m_store->addCustomPoly(empty));
+    reopen();
+
+    SKRCustomPolyInfo got;
+    CPolygon read = plate(10);
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
+    EXPECT_EQ(got.vectorDrawingInfo, QByteArray("\0\0\x01\xFF\0", 5));
+    EXPECT_TRUE(read.IsEmpty());  // no polygon given: an empty outline
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(empty.id, got, read));
+    EXPECT_TRUE(got.vectorDrawingInfo.isEmpty());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Updating and removing
+
+TEST_F(CustomPolyStoreTest, UpdateRewritesTheFieldsAndIsFlushed) {
+    CPolygon polygon = plate(80);
+    SKRCustomPolyInfo info = added(&polygon);
+    CPolygon changed = plate(95);
+    changed.GetLoop(1)->Reverse();
+    info.description = QStringLiteral("底板");
+    info.polygon = &changed;
+    info.insertPointX = 1.0 / 3;
+    info.insertPointY = 2e-9;
+    info.horzSpace = QStringLiteral("150");
+    info.vertSpace = QStringLiteral("75");
+    info.vectorDrawingInfo = QByteArray(3, '\0');
+    ASSERT_TRUE(m_store->updateCustomPoly(info));
+    reopen();  // without saving: the update flushed
+
+    SKRCustomPolyInfo got;
+    CPolygon read;
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("底板"));
+    EXPECT_EQ(read, changed);
+    EXPECT_EQ(got.insertPointX, 1.0 / 3);
+    EXPECT_EQ(got.insertPointY, 2e-9);
+    EXPECT_EQ(got.horzSpace, QStringLiteral("150"));
+    EXPECT_EQ(got.vertSpace, QStringLiteral("75"));
+    EXPECT_EQ(got.vectorDrawingInfo, QByteArray(3, '\0'));
+    // Identity and type stay.
+    EXPECT_EQ(polyField(info.id, L"CustomPolyTypeID", readInt), 1);
+    EXPECT_EQ(polyField(info.id, L"TypeName", readText), L"自定义截面类型");
+    EXPECT_EQ(polyRowCount(), 1);
+}
+
+TEST_F(CustomPolyStoreTest, UpdateOfAMissingIdChangesNothing) {
+    CPolygon polygon = plate(80);
+    SKRCustomPolyInfo info = added(&polygon);
+    info.id = 5;
+    info.description = QStringLiteral("other");
+    EXPECT_FALSE(m_store->updateCustomPoly(info));
+    info.id = -1;
+    EXPECT_FALSE(m_store->updateCustomPoly(info));
+    EXPECT_EQ(polyRowCount(), 1);
+    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
+}
+
+TEST_F(CustomPolyStoreTest, RemoveDeletesInTheSessionButIsNotFlushed) {
+    CPolygon polygon = plate(80);
+    added(&polygon);
+    added(&polygon);
+    EXPECT_TRUE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(9));
+
+    SKRCustomPolyInfo got;
+    CPolygon read;
+    QString error;
+    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
+    EXPECT_EQ(polyRowCount(), 1);
+
+    reopen();  // nothing flushed the removal
+    EXPECT_EQ(polyRowCount(), 2);
+    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
+}
+
+TEST_F(CustomPolyStoreTest, RemoveDeletesEveryRowWithThatId) {
+    ndp::CDBTable* polys = table(L"CustomPoly");
+    for (int i = 0; i < 2; ++i) {
+        ndp::CDBRecord* record = polys->CreateRecord();
+        record->SetInt(polys->FindField(L"ID"), 3);
+        polys->AddRecord(record);
+        record->Release();
+    }
+    EXPECT_TRUE(m_store->removeCustomPoly(3));
+    EXPECT_EQ(polyRowCount(), 0);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Refusals
+
+TEST_F(CustomPolyStoreTest, ReadersLeaveTheirTargetsAloneWhenNothingCanBeRead) {
+    CPolygon polygon = plate(80);
+    added(&polygon);
+    ndp::CDBTable* polys = table(L"CustomPoly");
+    ndp::CFileAddress address = ndp::kNullAddress;
+    ASSERT_TRUE(polys->Find(polys->FindField(L"ID"), 1, address));
+    ndp::CDBRecord* record = polys->GetRecord(address);
+    record->SetBytes(polys->FindField(L"PolyData"), QByteArray("not a polygon"));
+    ASSERT_TRUE(polys->ModifyRecord(record));
+    record->Release();
+
+    SKRCustomPolyInfo got;
+    got.description = QStringLiteral("kept");
+    CPolygon read = plate(10);
+    QString error;
+    EXPECT_FALSE(m_store->readCustomPolyWithDrawing(1, got, read, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_EQ(got.description, QStringLiteral("kept"));
+    EXPECT_EQ(read, plate(10));
+    EXPECT_FALSE(m_store->readCustomPoly(2, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("kept"));
+}
+
+TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
+    EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
+
+    QTemporaryDir dir;
+    ndp::CDatabase onlyPolys;
+    ASSERT_TRUE(onlyPolys.Create(dir.filePath("a.KDB")));
+    onlyPolys.CreateTable(L"CustomPoly", {{L"ID", EnDBFieldKind::Int32, true}});
+    EXPECT_EQ(thrownBy(&onlyPolys), kCannotAccept);
+
+    ndp::CDatabase onlyTypes;
+    ASSERT_TRUE(onlyTypes.Create(dir.filePath("b.KDB")));
+    onlyTypes.CreateTable(L"CustomPolyType", {{L"ID", EnDBFieldKind::Int32, true}});
+    EXPECT_EQ(thrownBy(&onlyTypes), kCannotAccept);
+
+    ndp::CDatabase both;
+    ASSERT_TRUE(both.Create(dir.filePath("c.KDB")));
+    ASSERT_TRUE(VMPProjectModel::createProjectTables(&both));
+    EXPECT_EQ(thrownBy(&both), "nothing thrown");
+}
+
+// ---------------------------------------------------------------------------------------------
+// Translation
+
+TEST_F(CustomPolyStoreTest, TranslatedInterfaceNamesPolygonsAndTypesInItsLanguage) {
+    TranslationGuard guard;
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    CPolygon polygon = plate(80);
+    const SKRCustomPolyInfo info = added(&polygon);
+    EXPECT_EQ(info.description, QStringLiteral("CustomSection1"));
+    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"CustomSectionType"}}));
+    EXPECT_EQ(polyField(1, L"TypeName", readText), L"CustomSectionType");
+}
