@@ -9,3 +9,15 @@ endif()
 if(BXQ_BUILD_BENCH)
   find_package(benchmark REQUIRED)
 endif()
+
+# OpenCASCADE: the geometry kernel of the platform's bodies and of the body builders. Its package
+# configuration also adds OCCT's own build switches (HAVE_TBB, ...) to this directory's targets;
+# they are put back as they were, and the toolkits are linked through bxq_occt only.
+get_directory_property(BXQ_COMPILE_DEFINITIONS COMPILE_DEFINITIONS)
+find_package(OpenCASCADE REQUIRED)
+set_directory_properties(PROPERTIES COMPILE_DEFINITIONS "${BXQ_COMPILE_DEFINITIONS}")
+add_library(bxq_occt INTERFACE)
+target_include_directories(bxq_occt SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
+target_link_libraries(bxq_occt INTERFACE
+  TKernel TKMath TKG2d TKG3d TKGeomBase TKBRep TKGeomAlgo TKTopAlgo TKPrim TKBO TKBool TKFillet TKOffset
+  TKShHealing TKMesh TKXSBase TKSTEPBase TKSTEPAttr TKSTEP209 TKSTEP TKSTL)

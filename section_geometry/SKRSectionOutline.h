@@ -1,5 +1,6 @@
-// Section outlines of the section types as the section database stores them: loops of vertices
-// written as outline text ("x,y,value,kind" records, ";" between records, "|||" between loops).
+// Section outlines of the section types as the section database stores them: loops of lines and
+// arcs written as outline text ("x,y,value,kind" records, ";" between records, "|||" between
+// loops), with the fillets, toe radii, bends and corner radii of the rolled and cold-formed shapes.
 #pragma once
 
 #include <QMap>
@@ -8,13 +9,43 @@
 namespace skr {
 namespace geometry {
 
+// Weight per metre of a steel section per mm2 of its area (7850 kg/m3): kg/m per mm2.
+constexpr double kSteelKgPerMetrePerMm2 = 0.00785;
+
 // The outline of a section type for the given parameter values (by parameter code), in
 // millimetres, the origin at the bottom-left corner of the bounding box, x right, y up. The
 // outer loop runs counter-clockwise and holes clockwise; round outlines are full circles.
-// False, with the reason in error, for a type without an outline, a missing parameter or
-// values that do not make a section (a web thicker than the flange is wide, ...).
+//
+// Radii, each optional (absent or 0: a sharp corner, unless a rule below gives one):
+// - I-beams (1) and channels (2): inner flange faces sloped 1:6 and 1:10, the flange thickness t
+//   measured halfway along the outstand; root radius "r" and toe radius "r1".
+// - Angles (3, 4): root radius "r"; toe radius d / 3 at the inner edge of both leg ends.
+// - Hot-rolled H (7) and T (10): root radius "r".
+// - Cold-formed C (8) and Z (9): bends of inner radius "r" (2t when absent), outer radius r + t.
+// - Hollow sections (1011): inner corner radius "r", outer r + t; when absent the outer radius
+//   is 2t for t <= 6, 2.5t for t <= 10 and 3t beyond, the inner one that less t.
+// Welded types (11 to 21) are drawn from their plates with sharp corners; tapered ones (17 to 21)
+// at their deeper or larger end. The elliptic tube (21) is drawn as two ovals of four tangent
+// arcs each, with the axes and the area of the true ellipses (its perimeter is long by 0.18 % at
+// an axis ratio of 1.5, 0.45 % at 2 and 0.84 % at 3).
+// False, with the reason in error and text unchanged, for a type without an outline, a missing
+// parameter, values that do not make a section (a web thicker than the flange is wide, ...), or
+// a radius that does not fit.
 bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QString& text,
-                       QString* error = nullptr);
+                        QString* error = nullptr);
+
+// The inner bend radius at which a cold-formed lipped C or Z of depth h, flange b, lip c and
+// thickness t has the sectional area `area` (mm2): the four 90-degree bends take
+// t * 4 * (2 - pi / 2) * (r + t / 2) off the sharp-cornered area. False when no radius of at
+// least zero gives that area.
+bool coldFormedBendRadius(double h, double b, double c, double t, double area, double* radius);
+
+// The outline parameters of a catalogue row: its dimensions without those of value 0 (the
+// dimensions its family does not have), and for cold-formed C and Z (which the catalogue lists
+// without a radius) the bend radius that the row's weight per metre implies, when that lies in
+// the usual 1.4t to 2.6t.
+QMap<QString, double> catalogueOutlineParams(int sectionType, const QMap<QString, double>& dimensions,
+                                             double weightPerMetre);
 
 }  // namespace geometry
 }  // namespace skr

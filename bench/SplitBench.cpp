@@ -1,0 +1,113 @@
+// Cutting a member by its head and tail planes: an HN400*200*8*13 member 6 m long, its head cut
+// at 20 degrees and its tail at -15 degrees to the section plane, one member per iteration.
+// BM_RawSplits is the floor: the two keep-one-side operations of OpenCASCADE alone (a half-space
+// on a bounded face, then the common part). BM_KernelSplits is the same through the kernel's
+// CBooleanOperate with its four flags on (input check, non-destructive, unified result, parallel).
+#include "body_builder/SKRBodyBuilder.h"
+#include "ndp/NDPBody.h"
+#include "ndp/NDPBodyOcct.h"
+#include "ndp/NDPBooleanOperate.h"
+#include "ndp/NDPPlane.h"
+
+#include <benchmark/benchmark.h>
+
+#include <BRepAlgoAPI_Common.hxx>
+#include <BRepBndLib.hxx>
+#include <BRepBuilderAPI_MakeFace.hxx>
+#include <BRepPrimAPI_MakeHalfSpace.hxx>
+#include <Bnd_Box.hxx>
+#include <TopExp_Explorer.hxx>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+// The vector operators live in ndp, which argument lookup on std::array does not search.
+using ndp::operator+;
+using ndp::operator*;
+
+constexpr double kLength = 6000.0;
+constexpr double kPi = 3.14159265358979323846;
+
+struct Releaser {
+    void operator()(ndp::CBody* body) const {
+        if (body) body->Release();
+    }
+};
+using BodyPtr = std::unique_ptr<ndp::CBody, Releaser>;
+
+BodyPtr member(QString& error) {
+    return BodyPtr(skr::body::SKRBodyBuilder::memberFromSpecification(QStringLiteral("HN400*200*8*13"), kLength,
+                                                                       ndp::CCoord3(), &error));
+}
+
+// Head plane through the start, tilted 20 degrees about the section's X axis, normal into the
+// member; tail plane through the end, tilted -15 degrees, normal back towards the head.
+ndp::CPlane headPlane() {
+    ndp::CPlane plane;
+    const double angle = 20 * kPi / 180;
+    plane.Create({0, 0, 0}, {0, std::sin(angle), std::cos(angle)});
+    return plane;
+}
+
+ndp::CPlane tailPlane() {
+    ndp::CPlane plane;
+    const double angle = -15 * kPi / 180;
+    plane.Create({0, 0, kLength}, {0, -std::sin(angle), -std::cos(angle)});
+    return plane;
+}
+
+// The part of shape on the side of plane its normal points into.
+TopoDS_Shape keepPositive(const TopoDS_Shape& shape, const ndp::CPlane& plane) {
+    Bnd_Box box;
+    BRepBndLib::Add(shape, box);
+    const double size = std::sqrt(box.SquareExtent());
+    const TopoDS_Face face = BRepBuilderAPI_MakeFace(ndp::CBodyOcct::ToPln(plane), -size, size, -size, size).Face();
+    const ndp::CVector3 reference = plane.GetOrigin() + size * plane.GetNormal();
+    const TopoDS_Solid halfSpace = BRepPrimAPI_MakeHalfSpace(face, ndp::CBodyOcct::ToPnt(reference)).Solid();
+    return BRepAlgoAPI_Common(shape, halfSpace).Shape();
+}
+
+bool hasSolid(const TopoDS_Shape& shape) { return TopExp_Explorer(shape, TopAbs_SOLID).More(); }
+
+void BM_RawSplits(benchmark::State& state) {
+    QString error;
+    const BodyPtr body = member(error);
+    if (!body) {
+        state.SkipWithError(error.toStdString().c_str());
+        return;
+    }
+    const TopoDS_Shape shape = ndp::CBodyOcct::Shape(*body);
+    const ndp::CPlane head = headPlane(), tail = tailPlane();
+    for (auto _ : state) {
+        const TopoDS_Shape cut = keepPositive(keepPositive(shape, head), tail);
+        if (!hasSolid(cut)) state.SkipWithError("the member vanished");
+        benchmark::DoNotOptimize(cut);
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("ms per member");
+}
+BENCHMARK(BM_RawSplits)->Unit(benchmark::kMillisecond);
+
+void BM_KernelSplits(benchmark::State& state) {
+    QString error;
+    const BodyPtr body = member(error);
+    if (!body) {
+        state.SkipWithError(error.toStdString().c_str());
+        return;
+    }
+    const ndp::CPlane head = headPlane(), tail = tailPlane();
+    for (auto _ : state) {
+        ndp::CBooleanOperate op(true, true, true, true);
+        BodyPtr headCut(op.SplitPositiveBody(head, body.get()));
+        BodyPtr cut(headCut ? op.SplitPositiveBody(tail, headCut.get()) : nullptr);
+        if (!cut) state.SkipWithError("the member vanished");
+        benchmark::DoNotOptimize(cut.get());
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("ms per member");
+}
+BENCHMARK(BM_KernelSplits)->Unit(benchmark::kMillisecond);
+
+}  // namespace

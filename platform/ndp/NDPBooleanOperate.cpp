@@ -1,0 +1,219 @@
+// CBooleanOperate on OpenCASCADE: each side is the common part of the body and a half-space, and
+// the cut face the common part of the body and a planar face. Both the half-space and the face
+// are built on a bounded face a little larger than the body, never on an unbounded plane.
+#include "ndp/NDPBooleanOperate.h"
+
+#include "ndp/NDPBody.h"
+#include "ndp/NDPBodyOcct.h"
+#include "ndp/NDPPlane.h"
+#include "ndp/NDPTolerance.h"
+
+#include <BRepAlgoAPI_Common.hxx>
+#include <BRepBuilderAPI_MakeFace.hxx>
+#include <BRepCheck_Analyzer.hxx>
+#include <BRepPrimAPI_MakeHalfSpace.hxx>
+#include <Standard_Failure.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopTools_ListOfShape.hxx>
+#include <ShapeUpgrade_UnifySameDomain.hxx>
+#include <TopoDS_Face.hxx>
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+namespace ndp {
+namespace {
+
+// Where the body lies relative to the plane: its box in the plane's U, V, normal coordinates.
+struct Placement {
+    CBox3d box;
+    bool reachesPositive() const { return box.max[2] > g_DistEpsilon; }
+    bool reachesNegative() const { return box.min[2] < -g_DistEpsilon; }
+    bool nearPlane() const { return box.min[2] <= g_DistEpsilon && box.max[2] >= -g_DistEpsilon; }
+};
+
+// A rectangle of the plane that covers the body's shadow on it with a margin.
+TopoDS_Face boundedFace(const CPlane& plane, const CBox3d& box, double& margin) {
+    const double diagonal = Length(box.max - box.min);
+    margin = std::max(1.0, 0.1 * diagonal);
+    BRepBuilderAPI_MakeFace maker(CBodyOcct::ToPln(plane), box.min[0] - margin, box.max[0] + margin,
+                                  box.min[1] - margin, box.max[1] + margin);
+    return maker.Face();
+}
+
+int solidCount(const TopoDS_Shape& shape) {
+    int count = 0;
+    for (TopExp_Explorer it(shape, TopAbs_SOLID); it.More(); it.Next()) ++count;
+    return count;
+}
+
+int faceCount(const TopoDS_Shape& shape) {
+    int count = 0;
+    for (TopExp_Explorer it(shape, TopAbs_FACE); it.More(); it.Next()) ++count;
+    return count;
+}
+
+// One split: the body's shape, where it lies, and the bounded face of the plane over it.
+class Splitter {
+public:
+    Splitter(bool checkInput, bool nonDestructive, bool unifyResult, bool runParallel, QString& error)
+        : m_checkInput(checkInput), m_nonDestructive(nonDestructive), m_unifyResult(unifyResult),
+          m_runParallel(runParallel), m_error(error) {}
+
+    // Checks the body and finds where it lies; false with the reason for a body it refuses.
+    bool prepare(const CPlane& plane, const CBody* body) {
+        if (!body) return refuse(QStringLiteral("there is no body to split"));
+        m_shape = CBodyOcct::Shape(*body);
+        if (m_shape.IsNull() || solidCount(m_shape) == 0) return refuse(QStringLiteral("the body has no solid"));
+        if (m_checkInput && !BRepCheck_Analyzer(m_shape).IsValid())
+            return refuse(QStringLiteral("the body is not a valid solid"));
+        m_where.box = body->BoundingBoxInPlane(plane);
+        if (m_where.box.IsEmpty()) return refuse(QStringLiteral("the body has no extent"));
+        m_face = boundedFace(plane, m_where.box, m_margin);
+        m_plane = plane;
+        return true;
+    }
+
+    const Placement& where() const { return m_where; }
+
+    // The common part of the body and the half-space on one side of the plane (possibly no solid
+    // at all); false with the reason when the kernel fails.
+    bool side(bool positive, TopoDS_Shape& out) {
+        const double reach = std::max(std::abs(m_where.box.min[2]), std::abs(m_where.box.max[2])) + m_margin;
+        const double u = 0.5 * (m_where.box.min[0] + m_where.box.max[0]);
+        const double v = 0.5 * (m_where.box.min[1] + m_where.box.max[1]);
+        const CVector3 reference = m_plane.GetPoint(u, v) + (positive ? reach : -reach) * m_plane.GetNormal();
+        BRepPrimAPI_MakeHalfSpace halfSpace(m_face, CBodyOcct::ToPnt(reference));
+        if (!halfSpace.IsDone()) return refuse(QStringLiteral("the half-space of the plane could not be made"));
+        return common(halfSpace.Solid(), out);
+    }
+
+    bool cutFace(TopoDS_Shape& out) { return common(m_face, out); }
+
+private:
+    bool refuse(const QString& text) {
+        m_error = text;
+        return false;
+    }
+
+    bool common(const TopoDS_Shape& tool, TopoDS_Shape& out) {
+        TopTools_ListOfShape arguments, tools;
+        arguments.Append(m_shape);
+        tools.Append(tool);
+        BRepAlgoAPI_Common op;
+        op.SetArguments(arguments);
+        op.SetTools(tools);
+        op.SetNonDestructive(m_nonDestructive);
+        op.SetRunParallel(m_runParallel);
+        op.Build();
+        if (op.HasErrors() || !op.IsDone()) {
+            std::ostringstream report;
+            op.DumpErrors(report);
+            return refuse(QStringLiteral("the kernel could not split the body: ") +
+                          QString::fromStdString(report.str()).simplified());
+        }
+        out = op.Shape();
+        if (m_unifyResult && !out.IsNull()) {
+            ShapeUpgrade_UnifySameDomain unify(out, Standard_True, Standard_True, Standard_False);
+            unify.Build();
+            out = unify.Shape();
+        }
+        return true;
+    }
+
+    bool m_checkInput;
+    bool m_nonDestructive;
+    bool m_unifyResult;
+    bool m_runParallel;
+    QString& m_error;
+    TopoDS_Shape m_shape;
+    Placement m_where;
+    TopoDS_Face m_face;
+    double m_margin = 1.0;
+    CPlane m_plane;
+};
+
+QString failureText(const Standard_Failure& failure) {
+    const char* message = failure.GetMessageString();
+    return QStringLiteral("the kernel failed while splitting: ") + QString::fromUtf8(failure.DynamicType()->Name()) +
+           (message && *message ? QStringLiteral(" ") + QString::fromUtf8(message) : QString());
+}
+
+}  // namespace
+
+CBooleanOperate::CBooleanOperate(bool checkInput, bool nonDestructive, bool unifyResult, bool runParallel)
+    : m_checkInput(checkInput), m_nonDestructive(nonDestructive), m_unifyResult(unifyResult), m_runParallel(runParallel) {}
+
+CBody* CBooleanOperate::SplitPositiveBody(const CPlane& plane, const CBody* body) {
+    return splitSide(plane, body, true);
+}
+
+CBody* CBooleanOperate::SplitNegativeBody(const CPlane& plane, const CBody* body) {
+    return splitSide(plane, body, false);
+}
+
+CBody* CBooleanOperate::splitSide(const CPlane& plane, const CBody* body, bool positiveSide) {
+    m_lastError.clear();
+    try {
+        Splitter splitter(m_checkInput, m_nonDestructive, m_unifyResult, m_runParallel, m_lastError);
+        if (!splitter.prepare(plane, body)) return nullptr;
+        const Placement& where = splitter.where();
+        const bool reachesKept = positiveSide ? where.reachesPositive() : where.reachesNegative();
+        const bool reachesRemoved = positiveSide ? where.reachesNegative() : where.reachesPositive();
+        if (!reachesKept) return nullptr;
+        if (!reachesRemoved) return body->Copy();
+        TopoDS_Shape part;
+        if (!splitter.side(positiveSide, part)) return nullptr;
+        if (solidCount(part) == 0) return nullptr;
+        return CBodyOcct::Create(part);
+    } catch (const Standard_Failure& failure) {
+        m_lastError = failureText(failure);
+    } catch (const std::exception& e) {
+        m_lastError = QStringLiteral("splitting failed: ") + QString::fromLocal8Bit(e.what());
+    } catch (...) {
+        m_lastError = QStringLiteral("splitting failed");
+    }
+    return nullptr;
+}
+
+bool CBooleanOperate::SplitBody(const CPlane& plane, const CBody* body, CBody*& positive, CBody*& negative,
+                                CBody*& cutFace) {
+    positive = negative = cutFace = nullptr;
+    m_lastError.clear();
+    try {
+        Splitter splitter(m_checkInput, m_nonDestructive, m_unifyResult, m_runParallel, m_lastError);
+        if (!splitter.prepare(plane, body)) return false;
+        const Placement& where = splitter.where();
+        TopoDS_Shape positivePart, negativePart, facePart;
+        const bool crossing = where.reachesPositive() && where.reachesNegative();
+        if (crossing) {
+            if (!splitter.side(true, positivePart) || !splitter.side(false, negativePart)) return false;
+        }
+        if (where.nearPlane() && !splitter.cutFace(facePart)) return false;
+
+        if (crossing) {
+            if (solidCount(positivePart) > 0) positive = CBodyOcct::Create(positivePart);
+            if (solidCount(negativePart) > 0) negative = CBodyOcct::Create(negativePart);
+        } else if (where.reachesPositive()) {
+            positive = body->Copy();
+        } else if (where.reachesNegative()) {
+            negative = body->Copy();
+        }
+        if (!facePart.IsNull() && faceCount(facePart) > 0) cutFace = CBodyOcct::Create(facePart);
+        return true;
+    } catch (const Standard_Failure& failure) {
+        m_lastError = failureText(failure);
+    } catch (const std::exception& e) {
+        m_lastError = QStringLiteral("splitting failed: ") + QString::fromLocal8Bit(e.what());
+    } catch (...) {
+        m_lastError = QStringLiteral("splitting failed");
+    }
+    for (CBody** out : {&positive, &negative, &cutFace}) {
+        if (*out) (*out)->Release();
+        *out = nullptr;
+    }
+    return false;
+}
+
+}  // namespace ndp

@@ -1,0 +1,5 @@
+// Out-of-line destructors of the element and solid shape interfaces (their vtables live here).
+#include "vmp/IVMPElementDrawObj.h"
+
+IVMPElementDrawObj::~IVMPElementDrawObj() = default;
+IVMPSolidShape::~IVMPSolidShape() = default;

@@ -1,0 +1,655 @@
+// The 3D geometry kernel: planes and their (u, v), bodies and their measures, splitting bodies by
+// planes (intersecting, missing, touching, almost touching and barely intersecting), cut faces of
+// hollow sections, polygons with arcs as faces, tessellation and STL/STEP export.
+#include "ndp/NDPBody.h"
+#include "ndp/NDPBodyExport.h"
+#include "ndp/NDPBodyMesh.h"
+#include "ndp/NDPBodyOcct.h"
+#include "ndp/NDPBooleanOperate.h"
+#include "ndp/NDPMeshParameter.h"
+#include "ndp/NDPPlane.h"
+#include "ndp/NDPPolygon.h"
+#include "ndp/NDPTolerance.h"
+
+#include <gtest/gtest.h>
+
+#include <BRepPrimAPI_MakePrism.hxx>
+#include <STEPControl_Reader.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopoDS.hxx>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+using namespace ndp;
+
+namespace {
+
+const double kPi = 3.14159265358979323846;
+
+struct Releaser {
+    void operator()(CBody* body) const {
+        if (body) body->Release();
+    }
+};
+using BodyPtr = std::unique_ptr<CBody, Releaser>;
+
+void expectVector(const CVector3& actual, const CVector3& expected, double tolerance = 1e-12) {
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
+}
+
+CCoord3 identity() { return CCoord3(); }
+
+// A box 100 x 60 x 1000 from the origin: the section in X-Y, the member axis along Z.
+BodyPtr member() { return BodyPtr(CBody::CreateBox(identity(), 100, 60, 1000)); }
+constexpr double kSectionArea = 100.0 * 60.0;
+constexpr double kMemberVolume = kSectionArea * 1000.0;
+
+CPlane plane(const CVector3& point, const CVector3& normal) {
+    CPlane p;
+    EXPECT_TRUE(p.Create(point, normal));
+    return p;
+}
+
+CBooleanOperate operate() { return CBooleanOperate(true, true, true, true); }
+
+CLoop* rectangle(double x0, double y0, double x1, double y1) {
+    auto* loop = new CLoop;
+    loop->AddCurve(new CLine2d({x0, y0}, {x1, y0}), false);
+    loop->AddCurve(new CLine2d({x1, y0}, {x1, y1}), false);
+    loop->AddCurve(new CLine2d({x1, y1}, {x0, y1}), false);
+    loop->AddCurve(new CLine2d({x0, y1}, {x0, y0}), false);
+    return loop;
+}
+
+// A prism of polygon along Z, made directly on the kernel; null when the face cannot be made.
+BodyPtr prism(const CPolygon& polygon, double length) {
+    gp_Ax3 placement;
+    TopoDS_Face face;
+    QString error;
+    if (!CBodyOcct::ToAx3(identity(), placement, &error) || !CBodyOcct::MakeFace(polygon, placement, face, &error)) {
+        ADD_FAILURE() << error.toStdString();
+        return nullptr;
+    }
+    return BodyPtr(CBodyOcct::Create(BRepPrimAPI_MakePrism(face, gp_Vec(0, 0, length)).Shape()));
+}
+
+int wireCount(const CBody& body) {
+    int count = 0;
+    for (TopExp_Explorer it(CBodyOcct::Shape(body), TopAbs_WIRE); it.More(); it.Next()) ++count;
+    return count;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Planes
+
+TEST(KernelPlane, DefaultIsTheXYPlaneWithNormalZ) {
+    const CPlane p;
+    expectVector(p.GetOrigin(), {0, 0, 0});
+    expectVector(p.GetNormal(), {0, 0, 1});
+    expectVector(p.GetUDirection(), {1, 0, 0});
+    expectVector(p.GetVDirection(), {0, 1, 0});
+}
+
+TEST(KernelPlane, UIsGlobalXProjectedAndUVNormalAreRightHanded) {
+    const CVector3 normal{1, 2, 3};
+    const CPlane p = plane({5, -4, 2}, normal);
+    const CVector3 n = Normalized(normal);
+    expectVector(p.GetNormal(), n);
+    expectVector(p.GetUDirection(), Normalized(CVector3{1, 0, 0} - n[0] * n));
+    expectVector(Cross(p.GetUDirection(), p.GetVDirection()), p.GetNormal());
+    EXPECT_NEAR(Dot(p.GetUDirection(), p.GetVDirection()), 0.0, 1e-15);
+    EXPECT_NEAR(Length(p.GetVDirection()), 1.0, 1e-15);
+}
+
+TEST(KernelPlane, UFallsBackToGlobalYWhenTheNormalIsAlongX) {
+    const CPlane alongX = plane({0, 0, 0}, {3, 0, 0});
+    expectVector(alongX.GetUDirection(), {0, 1, 0});
+    expectVector(alongX.GetVDirection(), {0, 0, 1});
+    const CPlane againstX = plane({0, 0, 0}, {-1, 0, 0});
+    expectVector(againstX.GetUDirection(), {0, 1, 0});
+    expectVector(againstX.GetVDirection(), {0, 0, -1});
+    const CPlane down = plane({0, 0, 0}, {0, 0, -2});
+    expectVector(down.GetUDirection(), {1, 0, 0});
+    expectVector(down.GetVDirection(), {0, -1, 0});
+}
+
+TEST(KernelPlane, NearestUVAndGetPointRoundTrip) {
+    const CPlane p = plane({10, 20, 30}, {0.3, -0.5, 0.8});
+    const CVector3 point{-40, 75, 12};
+    double u = 0, v = 0;
+    ASSERT_TRUE(p.GetNearestUV(point, u, v, g_DistEpsilon));
+    const CVector3 foot = p.GetPoint(u, v);
+    // The foot lies on the plane and the point is straight above it along the normal.
+    EXPECT_NEAR(p.SignedDistance(foot), 0.0, 1e-12);
+    expectVector(point - foot, p.SignedDistance(point) * p.GetNormal(), 1e-12);
+    // And parameters taken to a point come back as they were.
+    double u2 = 0, v2 = 0;
+    ASSERT_TRUE(p.GetNearestUV(p.GetPoint(17.5, -3.25), u2, v2, 0.0));
+    EXPECT_NEAR(u2, 17.5, 1e-12);
+    EXPECT_NEAR(v2, -3.25, 1e-12);
+    expectVector(p.GetPoint(0, 0), {10, 20, 30});
+}
+
+TEST(KernelPlane, SignedDistanceIsPositiveOnTheNormalsSide) {
+    const CPlane p = plane({0, 0, 100}, {0, 0, 5});
+    EXPECT_DOUBLE_EQ(p.SignedDistance({3, 4, 130}), 30.0);
+    EXPECT_DOUBLE_EQ(p.SignedDistance({3, 4, 90}), -10.0);
+}
+
+TEST(KernelPlane, BadInputLeavesThePlaneAsItWas) {
+    CPlane p = plane({1, 2, 3}, {0, 1, 0});
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(p.Create({0, 0, 0}, {0, 0, 0}));
+    EXPECT_FALSE(p.Create({nan, 0, 0}, {0, 0, 1}));
+    EXPECT_FALSE(p.Create({0, 0, 0}, {0, std::numeric_limits<double>::infinity(), 1}));
+    EXPECT_FALSE(p.Create({0, 0, 0}, {0, 0, 1}, {0, 0, 7}));  // U along the normal
+    expectVector(p.GetOrigin(), {1, 2, 3});
+    expectVector(p.GetNormal(), {0, 1, 0});
+
+    double u = 42, v = 43;
+    EXPECT_FALSE(p.GetNearestUV({nan, 0, 0}, u, v, g_DistEpsilon));
+    EXPECT_FALSE(p.GetNearestUV({0, 0, 0}, u, v, -1.0));
+    EXPECT_EQ(u, 42);
+    EXPECT_EQ(v, 43);
+}
+
+TEST(KernelPlane, AGivenUDirectionIsProjectedOntoThePlane) {
+    CPlane p;
+    ASSERT_TRUE(p.Create({0, 0, 0}, {0, 0, 1}, {1, 1, 5}));
+    expectVector(p.GetUDirection(), Normalized(CVector3{1, 1, 0}));
+    expectVector(p.GetVDirection(), Normalized(CVector3{-1, 1, 0}));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Bodies
+
+TEST(KernelBody, BoxHasItsVolumeBoxAndTopology) {
+    BodyPtr box = member();
+    ASSERT_TRUE(box);
+    EXPECT_EQ(box->GetRefCount(), 1);
+    EXPECT_NEAR(box->Volume(), kMemberVolume, 1e-6);
+    EXPECT_NEAR(box->SurfaceArea(), 2 * (100 * 60 + 100 * 1000 + 60 * 1000), 1e-6);
+    EXPECT_EQ(box->SolidCount(), 1);
+    EXPECT_EQ(box->FaceCount(), 6);
+    EXPECT_FALSE(box->IsEmpty());
+    EXPECT_TRUE(box->IsValid());
+    const CBox3d bounds = box->BoundingBox();
+    ASSERT_FALSE(bounds.IsEmpty());
+    expectVector(bounds.min, {0, 0, 0}, 1e-9);
+    expectVector(bounds.max, {100, 60, 1000}, 1e-9);
+}
+
+TEST(KernelBody, ReferenceCountingSharesAndCopiesHandles) {
+    CBody* box = CBody::CreateBox(identity(), 1, 2, 3);
+    ASSERT_TRUE(box);
+    box->AddRef();
+    EXPECT_EQ(box->GetRefCount(), 2);
+    box->Release();
+    EXPECT_EQ(box->GetRefCount(), 1);
+    CBody* copy = box->Copy();
+    ASSERT_TRUE(copy);
+    EXPECT_NE(copy, box);
+    EXPECT_EQ(copy->GetRefCount(), 1);
+    box->Release();
+    EXPECT_NEAR(copy->Volume(), 6.0, 1e-12);
+    copy->Release();
+}
+
+TEST(KernelBody, BoxInATurnedFrameAndItsBoxInAPlane) {
+    CCoord3 frame;
+    frame.origin = {10, 20, 30};
+    frame.xAxis = {0, 1, 0};
+    frame.yAxis = {0, 0, 1};
+    frame.zAxis = {1, 0, 0};
+    BodyPtr box(CBody::CreateBox(frame, 4, 5, 6));
+    ASSERT_TRUE(box);
+    const CBox3d bounds = box->BoundingBox();
+    expectVector(bounds.min, {10, 20, 30}, 1e-9);
+    expectVector(bounds.max, {16, 24, 35}, 1e-9);
+
+    const CBox3d inPlane = box->BoundingBoxInPlane(plane({0, 0, 32}, {0, 0, 1}));
+    expectVector(inPlane.min, {10, 20, -2}, 1e-9);
+    expectVector(inPlane.max, {16, 24, 3}, 1e-9);
+}
+
+TEST(KernelBody, BoxesWithoutSizeOrFrameAreRefused) {
+    QString error;
+    EXPECT_EQ(CBody::CreateBox(identity(), 0, 1, 1, &error), nullptr);
+    EXPECT_FALSE(error.isEmpty());
+    error.clear();
+    EXPECT_EQ(CBody::CreateBox(identity(), 1, std::nan(""), 1, &error), nullptr);
+    EXPECT_FALSE(error.isEmpty());
+    CCoord3 flat;
+    flat.xAxis = {0, 0, 2};
+    error.clear();
+    EXPECT_EQ(CBody::CreateBox(flat, 1, 1, 1, &error), nullptr);
+    EXPECT_TRUE(error.contains(QStringLiteral("parallel"))) << error.toStdString();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Polygons as faces
+
+TEST(KernelPolygonFace, ArcsAreTrueCirclesAndTheAreaIsThePolygons) {
+    // A slot (two half circles joined by lines) with a round hole and a square hole.
+    CPolygon polygon;
+    auto* outer = new CLoop;
+    outer->AddCurve(new CLine2d({0, 0}, {300, 0}), false);
+    outer->AddCurve(new CArc2d({300, 0}, {300, 100}, 50, 1), false);
+    outer->AddCurve(new CLine2d({300, 100}, {0, 100}), false);
+    outer->AddCurve(new CArc2d({0, 100}, {0, 0}, 50, 1), false);
+    polygon.AddLoop(outer, true);
+    auto* round = new CLoop;
+    round->AddCurve(new CArc2d({60, 50}, 20, 0.0, 2 * kPi), false);
+    polygon.AddLoop(round, true);
+    polygon.AddLoop(rectangle(150, 30, 250, 70), true);
+
+    QString error;
+    BodyPtr face(CBody::CreateFace(polygon, identity(), &error));
+    ASSERT_TRUE(face) << error.toStdString();
+    const double expected = 300 * 100 + kPi * 50 * 50 - kPi * 20 * 20 - 100 * 40;
+    EXPECT_NEAR(polygon.Area(), expected, 1e-9);
+    EXPECT_NEAR(face->SurfaceArea(), polygon.Area(), 1e-9 * expected);
+    EXPECT_TRUE(face->IsEmpty());
+    EXPECT_EQ(face->FaceCount(), 1);
+    EXPECT_EQ(wireCount(*face), 3);
+    // The half circles bulge out to x = -50 and x = 350.
+    const CBox3d bounds = face->BoundingBox();
+    EXPECT_NEAR(bounds.min[0], -50, 1e-9);
+    EXPECT_NEAR(bounds.max[0], 350, 1e-9);
+}
+
+TEST(KernelPolygonFace, LoopsInEitherTurningSenseGiveTheSameFace) {
+    CPolygon polygon;
+    CLoop* outer = rectangle(0, 0, 200, 100);
+    outer->Reverse();  // clockwise outer loop
+    polygon.AddLoop(outer, true);
+    auto* hole = new CLoop;  // counter-clockwise hole made of two clockwise-built half arcs reversed
+    hole->AddCurve(new CArc2d({80, 50}, {120, 50}, 20, 2), false);
+    hole->AddCurve(new CArc2d({120, 50}, {80, 50}, 20, 2), false);
+    polygon.AddLoop(hole, true);
+    BodyPtr face(CBody::CreateFace(polygon, identity()));
+    ASSERT_TRUE(face);
+    EXPECT_NEAR(face->SurfaceArea(), 200 * 100 - kPi * 400, 1e-9);
+    EXPECT_TRUE(face->IsValid());
+}
+
+TEST(KernelPolygonFace, TheFaceLiesInTheFramesXYPlane) {
+    CPolygon polygon;
+    polygon.AddLoop(rectangle(0, 0, 10, 20), true);
+    CCoord3 frame;
+    frame.origin = {0, 0, 5};
+    frame.xAxis = {0, 1, 0};
+    frame.yAxis = {0, 0, 1};
+    frame.zAxis = {1, 0, 0};
+    BodyPtr face(CBody::CreateFace(polygon, frame));
+    ASSERT_TRUE(face);
+    const CBox3d bounds = face->BoundingBox();
+    expectVector(bounds.min, {0, 0, 5}, 1e-9);
+    expectVector(bounds.max, {0, 10, 25}, 1e-9);
+}
+
+TEST(KernelPolygonFace, OpenEmptyAndFlatLoopsAreRefusedWithWhere) {
+    QString error;
+    EXPECT_EQ(CBody::CreateFace(CPolygon(), identity(), &error), nullptr);
+    EXPECT_FALSE(error.isEmpty());
+
+    CPolygon open;
+    auto* loop = new CLoop;
+    loop->AddCurve(new CLine2d({0, 0}, {10, 0}), false);
+    loop->AddCurve(new CLine2d({10, 0}, {10, 10}), false);
+    loop->AddCurve(new CLine2d({10, 10}, {0, 9}), false);
+    loop->AddCurve(new CLine2d({0, 10}, {0, 0}), false);
+    open.AddLoop(loop, true);
+    error.clear();
+    EXPECT_EQ(CBody::CreateFace(open, identity(), &error), nullptr);
+    EXPECT_TRUE(error.contains(QStringLiteral("loop 0"))) << error.toStdString();
+    EXPECT_TRUE(error.contains(QStringLiteral("curve 3"))) << error.toStdString();
+
+    CPolygon flat;
+    auto* there = new CLoop;
+    there->AddCurve(new CLine2d({0, 0}, {10, 0}), false);
+    there->AddCurve(new CLine2d({10, 0}, {0, 0}), false);
+    flat.AddLoop(there, true);
+    error.clear();
+    EXPECT_EQ(CBody::CreateFace(flat, identity(), &error), nullptr);
+    EXPECT_TRUE(error.contains(QStringLiteral("no area"))) << error.toStdString();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Splitting: an oblique plane through the member
+
+TEST(KernelSplit, ObliquePlaneSidesHaveTheirClosedFormVolumes) {
+    BodyPtr body = member();
+    // Normal (1, 2, 10) through (20, 10, 300): over the section the plane stays between z = 280
+    // and z = 305, and at the section's centroid (50, 30) it is at z = 293.
+    const CPlane p = plane({20, 10, 300}, {1, 2, 10});
+    const double zAtCentroid = 300 - (1 * 30 + 2 * 20) / 10.0;
+    CBooleanOperate op = operate();
+    BodyPtr positive(op.SplitPositiveBody(p, body.get()));
+    ASSERT_TRUE(positive) << op.GetLastError().toStdString();
+    BodyPtr negative(op.SplitNegativeBody(p, body.get()));
+    ASSERT_TRUE(negative) << op.GetLastError().toStdString();
+
+    EXPECT_NEAR(positive->Volume(), kSectionArea * (1000 - zAtCentroid), 1e-6 * kMemberVolume);
+    EXPECT_NEAR(negative->Volume(), kSectionArea * zAtCentroid, 1e-6 * kMemberVolume);
+    EXPECT_NEAR(positive->Volume() + negative->Volume(), kMemberVolume, 1e-6 * kMemberVolume);
+    EXPECT_TRUE(positive->IsValid());
+    EXPECT_TRUE(negative->IsValid());
+    EXPECT_EQ(positive->SolidCount(), 1);
+
+    // The kept side of each lies beyond the plane's lowest and highest points over the section.
+    const double zLow = 300 - (1 * 80 + 2 * 50) / 10.0, zHigh = 300 - (1 * -20 + 2 * -10) / 10.0;
+    EXPECT_NEAR(positive->BoundingBox().min[2], zLow, 1e-6);
+    EXPECT_NEAR(positive->BoundingBox().max[2], 1000, 1e-6);
+    EXPECT_NEAR(negative->BoundingBox().min[2], 0, 1e-6);
+    EXPECT_NEAR(negative->BoundingBox().max[2], zHigh, 1e-6);
+
+    // The input body is untouched and still the caller's alone.
+    EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
+    EXPECT_EQ(body->GetRefCount(), 1);
+}
+
+TEST(KernelSplit, SplitBodyGivesBothSidesAndTheCutFace) {
+    BodyPtr body = member();
+    const CVector3 normal{1, 2, 10};
+    const CPlane p = plane({20, 10, 300}, normal);
+    CBooleanOperate op = operate();
+    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
+    ASSERT_TRUE(op.SplitBody(p, body.get(), positive, negative, cut)) << op.GetLastError().toStdString();
+    BodyPtr keepPositive(positive), keepNegative(negative), keepCut(cut);
+    ASSERT_TRUE(positive && negative && cut);
+    EXPECT_NEAR(positive->Volume() + negative->Volume(), kMemberVolume, 1e-6 * kMemberVolume);
+    // The cut face is the section stretched by 1 / cos of the plane's tilt from the axis.
+    const double cosTilt = normal[2] / Length(normal);
+    EXPECT_NEAR(cut->SurfaceArea(), kSectionArea / cosTilt, 1e-6 * kSectionArea);
+    EXPECT_TRUE(cut->IsEmpty());
+    EXPECT_EQ(cut->FaceCount(), 1);
+    // Every point of the cut face is on the plane.
+    const CBox3d inPlane = cut->BoundingBoxInPlane(p);
+    EXPECT_NEAR(inPlane.min[2], 0.0, 1e-6);
+    EXPECT_NEAR(inPlane.max[2], 0.0, 1e-6);
+}
+
+TEST(KernelSplit, PlaneAlongTheAxisSplitsTheSectionWidth) {
+    BodyPtr body = member();
+    CBooleanOperate op = operate();
+    BodyPtr right(op.SplitPositiveBody(plane({30, 0, 0}, {1, 0, 0}), body.get()));
+    ASSERT_TRUE(right);
+    EXPECT_NEAR(right->Volume(), 70 * 60 * 1000, 1e-6 * kMemberVolume);
+    EXPECT_NEAR(right->BoundingBox().min[0], 30, 1e-9);
+}
+
+TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
+    // A box tube 200 x 100 with 6 mm walls, cut at 45 degrees to its axis.
+    CPolygon tube;
+    tube.AddLoop(rectangle(0, 0, 100, 200), true);
+    tube.AddLoop(rectangle(6, 6, 94, 194), true);
+    const double area = 100 * 200 - 88 * 188;
+    BodyPtr body = prism(tube, 2000);
+    ASSERT_TRUE(body);
+    ASSERT_NEAR(body->Volume(), area * 2000, 1e-6 * area * 2000);
+
+    const CPlane p = plane({50, 100, 1000}, {1, 0, 1});
+    CBooleanOperate op = operate();
+    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
+    ASSERT_TRUE(op.SplitBody(p, body.get(), positive, negative, cut)) << op.GetLastError().toStdString();
+    BodyPtr keepPositive(positive), keepNegative(negative), keepCut(cut);
+    ASSERT_TRUE(cut);
+    EXPECT_NEAR(cut->SurfaceArea(), area / std::cos(kPi / 4), 1e-6 * area);
+    EXPECT_EQ(cut->FaceCount(), 1);
+    EXPECT_EQ(wireCount(*cut), 2);  // the outer boundary and the hole, nothing filling it
+    ASSERT_TRUE(positive && negative);
+    EXPECT_NEAR(positive->Volume(), area * 1000, 1e-6 * area * 2000);
+    EXPECT_NEAR(negative->Volume(), area * 1000, 1e-6 * area * 2000);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Splitting: planes that miss, touch, almost touch or barely cut the member (normal +Z, through
+// z0). SplitPositiveBody keeps what is above z0, SplitNegativeBody what is below.
+
+struct SideCase {
+    const char* name;
+    double z0;
+    double positiveVolume;  // 0: null expected
+    double negativeVolume;
+};
+
+void PrintTo(const SideCase& c, std::ostream* out) { *out << c.name; }
+
+class KernelSplitCases : public ::testing::TestWithParam<SideCase> {};
+
+TEST_P(KernelSplitCases, EachSideKeepsWhatLiesBeyondThePlane) {
+    const SideCase c = GetParam();
+    BodyPtr body = member();
+    const CPlane p = plane({0, 0, c.z0}, {0, 0, 1});
+    CBooleanOperate op = operate();
+    for (bool positiveSide : {true, false}) {
+        SCOPED_TRACE(positiveSide ? "positive side" : "negative side");
+        const double expected = positiveSide ? c.positiveVolume : c.negativeVolume;
+        BodyPtr part(positiveSide ? op.SplitPositiveBody(p, body.get()) : op.SplitNegativeBody(p, body.get()));
+        EXPECT_TRUE(op.GetLastError().isEmpty()) << op.GetLastError().toStdString();
+        if (expected == 0.0) {
+            EXPECT_FALSE(part) << "volume " << part->Volume();
+            continue;
+        }
+        ASSERT_TRUE(part);
+        EXPECT_NE(part.get(), body.get());
+        EXPECT_NEAR(part->Volume(), expected, 1e-6 * expected);
+        EXPECT_TRUE(part->IsValid());
+    }
+}
+
+const double kBarely = 1e-3;
+INSTANTIATE_TEST_SUITE_P(
+    Matrix, KernelSplitCases,
+    ::testing::Values(
+        SideCase{"MidSpan", 400, kSectionArea * 600, kSectionArea * 400},
+        SideCase{"MissesBeyondTheTail", 1500, 0, kMemberVolume},
+        SideCase{"MissesBeforeTheHead", -500, kMemberVolume, 0},
+        SideCase{"OnTheTailFace", 1000, 0, kMemberVolume},
+        SideCase{"OnTheHeadFace", 0, kMemberVolume, 0},
+        SideCase{"JustInsideTheTailWithinTolerance", 1000 - 0.5 * g_DistEpsilon, 0, kMemberVolume},
+        SideCase{"JustOutsideTheTailWithinTolerance", 1000 + 0.5 * g_DistEpsilon, 0, kMemberVolume},
+        SideCase{"JustInsideTheHeadWithinTolerance", 0.5 * g_DistEpsilon, kMemberVolume, 0},
+        SideCase{"JustBeyondTheToleranceIntoTheTail", 1000 - 3 * g_DistEpsilon, kSectionArea * 3 * g_DistEpsilon,
+                 kSectionArea * (1000 - 3 * g_DistEpsilon)},
+        SideCase{"BarelyIntoTheTail", 1000 - kBarely, kSectionArea * kBarely, kSectionArea * (1000 - kBarely)},
+        SideCase{"BarelyIntoTheHead", kBarely, kSectionArea * (1000 - kBarely), kSectionArea * kBarely}),
+    [](const ::testing::TestParamInfo<SideCase>& info) { return std::string(info.param.name); });
+
+TEST(KernelSplit, SplitBodyOfAPlaneThatMissesHasOneSideAndNoCutFace) {
+    BodyPtr body = member();
+    CBooleanOperate op = operate();
+    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
+    ASSERT_TRUE(op.SplitBody(plane({0, 0, 1500}, {0, 0, 1}), body.get(), positive, negative, cut));
+    BodyPtr keepNegative(negative);
+    EXPECT_EQ(positive, nullptr);
+    EXPECT_EQ(cut, nullptr);
+    ASSERT_TRUE(negative);
+    EXPECT_NEAR(negative->Volume(), kMemberVolume, 1e-6);
+}
+
+TEST(KernelSplit, SplitBodyOnAnEndFaceGivesTheEndFaceAsCutFace) {
+    BodyPtr body = member();
+    CBooleanOperate op = operate();
+    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
+    ASSERT_TRUE(op.SplitBody(plane({0, 0, 1000}, {0, 0, 1}), body.get(), positive, negative, cut))
+        << op.GetLastError().toStdString();
+    BodyPtr keepPositive(positive), keepNegative(negative), keepCut(cut);
+    EXPECT_EQ(positive, nullptr);
+    ASSERT_TRUE(negative);
+    EXPECT_NEAR(negative->Volume(), kMemberVolume, 1e-6);
+    ASSERT_TRUE(cut);
+    EXPECT_NEAR(cut->SurfaceArea(), kSectionArea, 1e-6);
+}
+
+TEST(KernelSplit, NullAndFaceOnlyBodiesAreRefusedWithAReason) {
+    CBooleanOperate op = operate();
+    const CPlane p;
+    EXPECT_EQ(op.SplitPositiveBody(p, nullptr), nullptr);
+    EXPECT_FALSE(op.GetLastError().isEmpty());
+    EXPECT_EQ(op.SplitNegativeBody(p, nullptr), nullptr);
+    EXPECT_FALSE(op.GetLastError().isEmpty());
+
+    CPolygon square;
+    square.AddLoop(rectangle(-1, -1, 1, 1), true);
+    BodyPtr face(CBody::CreateFace(square, identity()));
+    ASSERT_TRUE(face);
+    EXPECT_EQ(op.SplitPositiveBody(p, face.get()), nullptr);
+    EXPECT_TRUE(op.GetLastError().contains(QStringLiteral("no solid"))) << op.GetLastError().toStdString();
+
+    BodyPtr stale = member();
+    CBody* positive = stale.get();
+    CBody* negative = stale.get();
+    CBody* cut = stale.get();
+    EXPECT_FALSE(op.SplitBody(p, nullptr, positive, negative, cut));
+    EXPECT_EQ(positive, nullptr);
+    EXPECT_EQ(negative, nullptr);
+    EXPECT_EQ(cut, nullptr);
+}
+
+TEST(KernelSplit, TwoPlanesThatRemoveEverythingLeaveNothing) {
+    BodyPtr body = member();
+    CBooleanOperate op = operate();
+    BodyPtr head(op.SplitPositiveBody(plane({0, 0, 600}, {0, 0, 1}), body.get()));
+    ASSERT_TRUE(head);
+    BodyPtr rest(op.SplitNegativeBody(plane({0, 0, 500}, {0, 0, 1}), head.get()));
+    EXPECT_FALSE(rest);
+    EXPECT_TRUE(op.GetLastError().isEmpty());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tessellation and export
+
+namespace {
+
+// The volume enclosed by a closed triangle mesh (divergence theorem): positive only when every
+// triangle runs counter-clockwise seen from outside.
+double meshVolume(const CBodyMesh& mesh) {
+    const auto& v = mesh.GetVertices();
+    const auto& idx = mesh.GetIndices();
+    double sum = 0;
+    for (size_t t = 0; t < idx.size(); t += 3) {
+        const CVector3 a{v[3 * idx[t]], v[3 * idx[t] + 1], v[3 * idx[t] + 2]};
+        const CVector3 b{v[3 * idx[t + 1]], v[3 * idx[t + 1] + 1], v[3 * idx[t + 1] + 2]};
+        const CVector3 c{v[3 * idx[t + 2]], v[3 * idx[t + 2] + 1], v[3 * idx[t + 2] + 2]};
+        sum += Dot(a, Cross(b, c));
+    }
+    return sum / 6.0;
+}
+
+BodyPtr roundBar(double radius, double length) {
+    CPolygon disc;
+    auto* loop = new CLoop;
+    loop->AddCurve(new CArc2d({0, 0}, radius, 0.0, 2 * kPi), false);
+    disc.AddLoop(loop, true);
+    return prism(disc, length);
+}
+
+}  // namespace
+
+TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesWithFaceNormals) {
+    BodyPtr box = member();
+    CBodyMesh mesh;
+    QString error;
+    ASSERT_TRUE(mesh.Build(box.get(), CMeshParameter(0.5, 0.5), &error)) << error.toStdString();
+    EXPECT_EQ(mesh.GetTriangleCount(), 12);
+    EXPECT_EQ(mesh.GetVertexCount(), 24);
+    EXPECT_NEAR(meshVolume(mesh), kMemberVolume, 1e-6 * kMemberVolume);
+    const CVector3 centre{50, 30, 500};
+    for (int i = 0; i < mesh.GetVertexCount(); ++i) {
+        const CVector3 p{mesh.GetVertices()[3 * i], mesh.GetVertices()[3 * i + 1], mesh.GetVertices()[3 * i + 2]};
+        const CVector3 n{mesh.GetNormals()[3 * i], mesh.GetNormals()[3 * i + 1], mesh.GetNormals()[3 * i + 2]};
+        EXPECT_NEAR(Length(n), 1.0, 1e-9);
+        EXPECT_GT(Dot(n, p - centre), 0.0) << "vertex " << i;
+    }
+}
+
+TEST(KernelMesh, AFinerParameterFollowsACurvedSurfaceCloser) {
+    BodyPtr bar = roundBar(50, 200);
+    ASSERT_TRUE(bar);
+    const double exact = kPi * 50 * 50 * 200;
+    ASSERT_NEAR(bar->Volume(), exact, 1e-9 * exact);
+    CBodyMesh coarse, fine;
+    ASSERT_TRUE(coarse.Build(bar.get(), CMeshParameter(1.0, 0.5)));
+    ASSERT_TRUE(fine.Build(bar.get(), CMeshParameter(0.01, 0.1)));
+    EXPECT_GT(fine.GetTriangleCount(), coarse.GetTriangleCount());
+    // Inscribed polygons: short of the circle, by at most the deflection times the perimeter.
+    for (const CBodyMesh* mesh : {&coarse, &fine}) {
+        EXPECT_LT(meshVolume(*mesh), exact);
+        EXPECT_GT(meshVolume(*mesh), exact - 2 * kPi * 50 * 200 * 1.0);
+    }
+    EXPECT_LT(exact - meshVolume(fine), 0.1 * (exact - meshVolume(coarse)));
+    // Asking for the coarse tessellation again gives it again, not the finer one kept from before.
+    CBodyMesh again;
+    ASSERT_TRUE(again.Build(bar.get(), CMeshParameter(1.0, 0.5)));
+    EXPECT_EQ(again.GetTriangleCount(), coarse.GetTriangleCount());
+}
+
+TEST(KernelMesh, NoBodyOrABadParameterGivesNoMesh) {
+    BodyPtr box = member();
+    CBodyMesh mesh;
+    QString error;
+    EXPECT_FALSE(mesh.Build(nullptr, CMeshParameter(), &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_FALSE(mesh.Build(box.get(), CMeshParameter(0.0, 0.5), &error));
+    EXPECT_FALSE(mesh.Build(box.get(), CMeshParameter(0.5, std::nan("")), &error));
+    EXPECT_EQ(mesh.GetTriangleCount(), 0);
+    EXPECT_FALSE(CMeshParameter(1.0, kPi).IsValid());
+    EXPECT_TRUE(CMeshParameter(1.0, 0.3490658503988659).IsValid());
+}
+
+TEST(KernelExport, BinaryStlHoldsEveryTriangle) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    BodyPtr bar = roundBar(20, 100);
+    ASSERT_TRUE(bar);
+    const CMeshParameter parameter(0.1, 0.3);
+    CBodyMesh mesh;
+    ASSERT_TRUE(mesh.Build(bar.get(), parameter));
+    const QString path = dir.filePath(QStringLiteral("bar.stl"));
+    QString error;
+    ASSERT_TRUE(ExportBodyStl(bar.get(), path, parameter, false, &error)) << error.toStdString();
+    // 80-byte header, a 4-byte count, 50 bytes per triangle.
+    EXPECT_EQ(QFileInfo(path).size(), 84 + 50 * mesh.GetTriangleCount());
+
+    const QString text = dir.filePath(QStringLiteral("bar-ascii.stl"));
+    ASSERT_TRUE(ExportBodyStl(bar.get(), text, parameter, true, &error)) << error.toStdString();
+    QFile file(text);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().count("facet normal"), mesh.GetTriangleCount());
+}
+
+TEST(KernelExport, StepKeepsTheExactGeometry) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    BodyPtr bar = roundBar(20, 100);
+    ASSERT_TRUE(bar);
+    const QString path = dir.filePath(QStringLiteral("bar.step"));
+    QString error;
+    ASSERT_TRUE(ExportBodyStep(bar.get(), path, &error)) << error.toStdString();
+
+    STEPControl_Reader reader;
+    ASSERT_EQ(reader.ReadFile(QFile::encodeName(path).constData()), IFSelect_RetDone);
+    ASSERT_GT(reader.TransferRoots(), 0);
+    BodyPtr back(CBodyOcct::Create(reader.OneShape()));
+    EXPECT_NEAR(back->Volume(), bar->Volume(), 1e-6 * bar->Volume());
+}
+
+TEST(KernelExport, UnwritablePathsAndNoBodyAreRefused) {
+    BodyPtr box = member();
+    QString error;
+    EXPECT_FALSE(ExportBodyStl(box.get(), QStringLiteral("/nonexistent-dir/x.stl"), CMeshParameter(), false, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("/nonexistent-dir/x.stl"))) << error.toStdString();
+    EXPECT_FALSE(ExportBodyStep(box.get(), QStringLiteral("/nonexistent-dir/x.step"), &error));
+    EXPECT_FALSE(ExportBodyStep(nullptr, QStringLiteral("x.step"), &error));
+    EXPECT_FALSE(ExportBodyStl(nullptr, QStringLiteral("x.stl"), CMeshParameter(), false, &error));
+}
