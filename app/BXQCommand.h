@@ -5,13 +5,45 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <vector>
+
+namespace skr {
+namespace section {
+struct SKRHotRollingSection;
+}
+}  // namespace skr
+
 namespace bxq {
 
 // Exit status of a command line that cannot be understood.
 constexpr int kUsageError = 2;
+// Exit status of a verb that could not do its work: a missing or unreadable database or project,
+// a refused change. Nothing has been written to standard output or to the files then.
+constexpr int kDataError = 1;
 
 // Prints "bxq: message" on standard error and returns kUsageError.
 int usageError(const QString& message);
+// Prints "bxq: message" on standard error and returns kDataError.
+int dataError(const QString& message);
+// Prints "bxq: message" on standard error.
+void warn(const QString& message);
+
+// A number in its shortest form that reads back as the same double (27.929, 0.5, 1e-07).
+QString shortestNumber(double value);
+// A number argument: finite, whole text; false otherwise.
+bool readNumber(const QString& text, double* value);
+
+// Calls take for each argument, and for each line of standard input in place of an argument "-".
+void forEachInput(const QStringList& arguments, const std::function<void(const QString&)>& take);
+
+// Hot-rolled sections, one per line: the name (padded to a column), "type=", "sub=", "kg/m=",
+// "m2/m=" and the parameters as name=value in field order, those of value 0 (a dimension the
+// family does not have) left out.
+QByteArray sectionLines(const std::vector<skr::section::SKRHotRollingSection>& sections);
+// The same as a JSON array of {"name", "type", "sub", "weight", "surface", "params"}, params an
+// object of the non-zero parameters.
+QByteArray sectionJson(const std::vector<skr::section::SKRHotRollingSection>& sections);
 
 // Adds --lang to a verb's parser.
 void addLanguageOption(QCommandLineParser& parser);
@@ -22,5 +54,11 @@ bool applyLanguageOption(const QCommandLineParser& parser);
 bool parseArguments(QCommandLineParser& parser, const QStringList& arguments);
 
 int runParse(const QStringList& arguments);
+int runCatalogue(const QStringList& arguments);
+int runWeightPerMetre(const QStringList& arguments);
+int runSurfacePerMetre(const QStringList& arguments);
+int runUserSection(const QStringList& arguments);
+int runFaceSteel(const QStringList& arguments);
+int runOutline(const QStringList& arguments);
 
 }  // namespace bxq

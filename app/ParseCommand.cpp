@@ -1,19 +1,20 @@
 // bxq parse: section texts in, section records and norm checks out (text or JSON lines).
+// Catalogue names (I, [) take their dimensions from the shipped catalogue and user sections
+// ("(ZDY)") their type from the project; both are opened only when such a text comes, so texts
+// that need neither parse without any database.
 #include "app/BXQCommand.h"
+#include "app/BXQDataSession.h"
 
 #include "section_spec/SKRSectionPolyInfoParser.h"
 #include "section_spec/WeldSectionNormParser.h"
 
 #include <QHash>
-#include <QLocale>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTextStream>
 
 #include <cstdio>
-#include <iostream>
-#include <string>
 
 namespace bxq {
 namespace {
@@ -90,17 +91,15 @@ QByteArray jsonLine(const QString& text, const Report& r) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
-QString shortest(double value) { return QString::number(value, 'g', QLocale::FloatingPointShortest); }
-
 QString joined(const QMap<QString, double>& values) {
     QStringList items;
-    for (auto it = values.constBegin(); it != values.constEnd(); ++it) items << it.key() + '=' + shortest(it.value());
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it) items << it.key() + '=' + shortestNumber(it.value());
     return items.join(QLatin1Char(' '));
 }
 
 QByteArray humanText(const QString& text, const Report& r) {
     QStringList params;
-    for (double value : r.info.params) params << shortest(value);
+    for (double value : r.info.params) params << shortestNumber(value);
     QString out;
     QTextStream s(&out);
     s << text << '\n';
@@ -137,6 +136,8 @@ int runParse(const QStringList& arguments) {
     cli.addOption({QStringLiteral("json"), QStringLiteral("One JSON object per text, one per line.")});
     cli.addOption({QStringLiteral("ball-expr"), QStringLiteral("Expression evaluated for ball nodes."),
                    QStringLiteral("expression")});
+    cli.addOption({QStringLiteral("project"), QStringLiteral("Project whose user sections (ZDY) texts name."),
+                   QStringLiteral("FILE")});
     addLanguageOption(cli);
     cli.addPositionalArgument(QStringLiteral("text"), QStringLiteral("Section texts; - reads one per line from stdin."),
                               QStringLiteral("TEXT..."));
@@ -149,29 +150,38 @@ int runParse(const QStringList& arguments) {
     const QString ballExpression = cli.value(QStringLiteral("ball-expr"));
     const QString* ball = cli.isSet(QStringLiteral("ball-expr")) ? &ballExpression : nullptr;
 
+    BXQDataSession session;
+    QString error;
+    if (cli.isSet(QStringLiteral("project")) && !session.openProject(cli.value(QStringLiteral("project")), false, &error))
+        return dataError(error);
+    bool registered = false;
+    QString catalogueMissing;  // why I and [ names have no dimensions; said once
+
     // A take-off repeats its sections many times; each distinct text is analysed once per run.
     QHash<QString, QByteArray> done;
     auto write = [&](const QString& text) {
         auto it = done.constFind(text);
         if (it == done.constEnd()) {
-            const Report report = analyse(text, ball);
+            Report report = analyse(text, ball);
+            const QString code = report.info.typeCode;
+            const bool catalogueName = code == QLatin1String("I") || code == QLatin1String("[");
+            if (!registered && (catalogueName || code == QLatin1String("ZDY"))) {
+                if (!session.openCatalogue(&catalogueMissing))
+                    catalogueMissing += QStringLiteral("; I and [ names are given no dimensions");
+                session.registerRepository();
+                registered = true;
+                report = analyse(text, ball);
+            }
+            if (catalogueName && !catalogueMissing.isEmpty()) {
+                warn(catalogueMissing);
+                catalogueMissing.clear();
+            }
             if (done.size() > 200000) done.clear();
             it = done.insert(text, json ? jsonLine(text, report) : humanText(text, report));
         }
         std::fwrite(it->constData(), 1, it->size(), stdout);
     };
-
-    for (const QString& text : texts) {
-        if (text != QLatin1String("-")) {
-            write(text);
-            continue;
-        }
-        std::string line;
-        while (std::getline(std::cin, line)) {
-            if (!line.empty() && line.back() == '\r') line.pop_back();
-            write(QString::fromStdString(line));
-        }
-    }
+    forEachInput(texts, write);
     std::fflush(stdout);
     return 0;
 }

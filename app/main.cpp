@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <map>
 
@@ -12,7 +13,20 @@ namespace {
 const char kUsage[] =
     "usage: bxq VERB [options] [arguments]\n"
     "verbs:\n"
-    "  parse [--json] [--lang en] [--ball-expr EXPR] TEXT...   parse section texts (- reads stdin)\n";
+    "  parse [--json] [--lang en] [--ball-expr EXPR] [--project FILE] TEXT...\n"
+    "                                      parse section texts (- reads stdin)\n"
+    "  catalogue [--type N] [--json]       list the hot-rolled section catalogue\n"
+    "  wpm [--project FILE] NORM...        weight per metre (kg/m) of sections (- reads stdin)\n"
+    "  apm [--project FILE] NORM...        surface per metre (m2/m) of sections (- reads stdin)\n"
+    "  user-section add NAME --project FILE --type N [--sub K] --weight W --area A [--param p=v]...\n"
+    "  user-section update NAME --project FILE [--weight W] [--area A]\n"
+    "  user-section remove --project FILE --type N --sub K\n"
+    "  user-section list --project FILE [--json]\n"
+    "                                      a project's own hot-rolled sections\n"
+    "  face-steel CLASS THICKNESS          weight per square metre (kg/m2) of a face-steel plate\n"
+    "  outline TEXT|--section SPEC [--svg FILE] [--json]\n"
+    "                                      area, perimeter, box, centroid and moments of an outline\n"
+    "exit status: 0 done, 1 a database or project that cannot be used or a refused change, 2 usage\n";
 
 }  // namespace
 
@@ -26,8 +40,21 @@ int main(int argc, char** argv) {
     }
     const std::map<QString, std::function<int(const QStringList&)>> verbs{
         {QStringLiteral("parse"), bxq::runParse},
+        {QStringLiteral("catalogue"), bxq::runCatalogue},
+        {QStringLiteral("wpm"), bxq::runWeightPerMetre},
+        {QStringLiteral("apm"), bxq::runSurfacePerMetre},
+        {QStringLiteral("user-section"), bxq::runUserSection},
+        {QStringLiteral("face-steel"), bxq::runFaceSteel},
+        {QStringLiteral("outline"), bxq::runOutline},
     };
     const auto verb = verbs.find(arguments[1]);
     if (verb == verbs.end()) return bxq::usageError(QStringLiteral("unknown verb '%1' (try bxq --help)").arg(arguments[1]));
-    return verb->second(arguments.mid(1));
+    // Whatever a verb did not handle ends the run with a message, never with a crash.
+    try {
+        return verb->second(arguments.mid(1));
+    } catch (const std::exception& e) {
+        return bxq::dataError(QString::fromUtf8(e.what()));
+    } catch (...) {
+        return bxq::dataError(QStringLiteral("unexpected failure"));
+    }
 }

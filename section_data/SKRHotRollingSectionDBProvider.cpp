@@ -8,6 +8,8 @@
 #include <QString>
 
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cwchar>
 #include <stdexcept>
 
@@ -48,6 +50,25 @@ SKRHotRollingSectionDBProvider::SKRHotRollingSectionDBProvider(ndp::CDBTable* ta
 SKRHotRollingSectionDBProvider::~SKRHotRollingSectionDBProvider() { delete m_pCache; }
 
 double SKRHotRollingSectionDBProvider::toDouble(const std::wstring& text) {
+    // Plain decimal text, as the catalogue writes its numbers, read without the locale-aware
+    // parser (the same correctly rounded value); anything else (blanks, a plus sign, hexadecimal,
+    // trailing letters, out of range) goes the long way.
+    char narrow[40];
+    if (!text.empty() && text.size() < sizeof narrow) {
+        bool plain = true;
+        for (size_t i = 0; plain && i < text.size(); ++i) {
+            const wchar_t c = text[i];
+            plain = (c >= L'0' && c <= L'9') || c == L'.' || c == L'-' || c == L'e' || c == L'E';
+            narrow[i] = static_cast<char>(c);
+        }
+        double value = 0.0;
+        const char* end = narrow + text.size();
+        if (plain) {
+            const std::from_chars_result read = std::from_chars(narrow, end, value);
+            // A subnormal result is an underflow to the long way, which refuses it.
+            if (read.ec == std::errc() && read.ptr == end && std::fpclassify(value) != FP_SUBNORMAL) return value;
+        }
+    }
     const wchar_t* begin = text.c_str();
     wchar_t* end = nullptr;
     errno = 0;
@@ -76,9 +97,13 @@ SKRHotRollingSection SKRHotRollingSectionDBProvider::readLeadingFields(ndp::CDBR
 SKRHotRollingSection SKRHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* record) {
     SKRHotRollingSection section = readLeadingFields(record);
     // Every field after "AreaVal" is one parameter: its name, and a number written as text.
-    for (int i = fieldIndex(m_pTable, L"AreaVal") + 1; i < m_pTable->GetFieldCount(); ++i) {
-        const std::wstring name = m_pTable->GetFieldName(i);
-        section.params.emplace_back(name, toDouble(readText(record, name)));
+    // Read by position: a catalogue row has a dozen parameters and is read on every look-up.
+    const int first = fieldIndex(m_pTable, L"AreaVal") + 1;
+    section.params.reserve(static_cast<size_t>(m_pTable->GetFieldCount() - first));
+    for (int i = first; i < m_pTable->GetFieldCount(); ++i) {
+        const ndp::CDBField& field = m_pTable->GetField(i);
+        if (field.GetKind() != ndp::EnDBFieldKind::Text) throw std::invalid_argument(kInvalidField);
+        section.params.emplace_back(field.GetName(), toDouble(record->GetString(i)));
     }
     return section;
 }
@@ -86,11 +111,19 @@ SKRHotRollingSection SKRHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* 
 SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByName(const std::wstring& name) {
     if (!m_pTable) return {false, SKRHotRollingSection()};
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(L"SameString(" + m_nameField + L",\"" + name + L"\")", found) || found.GetCount() == 0)
+    if (!m_pTable->Query(sameStringQuery(name), found) || found.GetCount() == 0)
         return {false, SKRHotRollingSection()};
     RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
     if (!ref.record) return {false, SKRHotRollingSection()};
     return {true, fromRecord(ref.record)};
+}
+
+std::wstring SKRHotRollingSectionDBProvider::sameStringQuery(const std::wstring& name) const {
+    static const std::wstring kOpen = L"SameString(";
+    std::wstring query;
+    query.reserve(kOpen.size() + m_nameField.size() + name.size() + 4);
+    query.append(kOpen).append(m_nameField).append(L",\"").append(name).append(L"\")");
+    return query;
 }
 
 std::wstring SKRHotRollingSectionDBProvider::keyQuery(int sectionType, int subId) const {
@@ -163,7 +196,7 @@ bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& 
 bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSection& section) {
     if (!m_pTable) return false;
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(L"SameString(" + m_nameField + L",\"" + section.standardName + L"\")", found))
+    if (!m_pTable->Query(sameStringQuery(section.standardName), found))
         throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return false;  // nothing of that name to update
     RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};

@@ -32,6 +32,8 @@ public:
 
     // The query text findByKeys builds, e.g. "PolyID == 5 && SubClassID == 1".
     std::wstring keyQuery(int sectionType, int subId) const;
+    // The query text of a look-up by name: SameString(StandardName,"name"), the name as it is.
+    std::wstring sameStringQuery(const std::wstring& name) const;
 
 protected:
     SKRHotRollingSection readLeadingFields(ndp::CDBRecord* record) const;

@@ -6,6 +6,8 @@
 #include "ndp/NDPQueryExpression.h"
 #include "ndp/NDPSqlText.h"
 
+#include <QVarLengthArray>
+
 #include <sqlite3.h>
 
 namespace ndp {
@@ -68,13 +70,18 @@ struct StatementUse {
 }  // namespace
 
 CDBTable::CDBTable(CDatabase* database, std::wstring name, std::vector<CDBField> fields)
-    : m_database(database), m_name(std::move(name)), m_fields(std::move(fields)), m_columns(sqlColumns(m_fields)) {}
+    : m_database(database), m_name(std::move(name)), m_fields(std::move(fields)), m_columns(sqlColumns(m_fields)),
+      m_quotedTable(sqlIdentifier(m_name)) {
+    // Built once: a look-up reads a record each time, and the text is the statement cache's key.
+    m_recordSql = "SELECT ";
+    for (size_t i = 0; i < m_fields.size(); ++i) m_recordSql += (i ? ", " : "") + m_columns[i];
+    if (m_fields.empty()) m_recordSql += "kdb_addr";
+    m_recordSql += " FROM " + m_quotedTable + " WHERE kdb_addr = ?1";
+}
 
 CDBTable::~CDBTable() {
     for (auto& entry : m_statements) sqlite3_finalize(entry.second);
 }
-
-std::string CDBTable::quotedTable() const { return sqlIdentifier(m_name); }
 
 std::wstring CDBTable::GetFieldName(int index) const {
     return index >= 0 && index < GetFieldCount() ? m_fields[static_cast<size_t>(index)].GetName() : std::wstring();
@@ -172,11 +179,7 @@ bool CDBTable::DeleteRecord(CFileAddress address) {
 }
 
 CDBRecord* CDBTable::GetRecord(CFileAddress address) {
-    std::string sql = "SELECT ";
-    for (size_t i = 0; i < m_fields.size(); ++i) sql += (i ? ", " : "") + m_columns[i];
-    if (m_fields.empty()) sql += "kdb_addr";
-    sql += " FROM " + quotedTable() + " WHERE kdb_addr = ?1";
-    sqlite3_stmt* stmt = statement(sql);
+    sqlite3_stmt* stmt = statement(m_recordSql);
     if (!stmt) return nullptr;
     StatementUse use{stmt};
     sqlite3_bind_int64(stmt, 1, address);
@@ -219,17 +222,25 @@ bool CDBTable::Search(int field, std::int64_t key, CFileAddressList& addresses, 
 bool CDBTable::Query(const std::wstring& expression, CFileAddressList& addresses, bool) {
     std::vector<NDPQueryTerm> terms;
     if (!parseQueryExpression(expression, *this, terms)) return false;
-    std::string sql = "SELECT kdb_addr FROM " + quotedTable() + " WHERE ";
-    for (size_t i = 0; i < terms.size(); ++i)
-        sql += (i ? " AND " : "") + m_columns[static_cast<size_t>(terms[i].field)] + " = ?" +
-               std::to_string(i + 1);
-    sqlite3_stmt* stmt = statement(sql + " ORDER BY kdb_addr");
+    // Appended in place: the text is built on every query as the statement cache's key.
+    std::string sql;
+    sql.reserve(96 + m_quotedTable.size());
+    sql.append("SELECT kdb_addr FROM ").append(m_quotedTable).append(" WHERE ");
+    for (size_t i = 0; i < terms.size(); ++i) {
+        if (i) sql.append(" AND ");
+        sql.append(m_columns[static_cast<size_t>(terms[i].field)]).append(" = ?").append(std::to_string(i + 1));
+    }
+    sql.append(" ORDER BY kdb_addr");
+    sqlite3_stmt* stmt = statement(sql);
     if (!stmt) return false;
+    // Bound without a copy: the texts outlive the statement's run and its reset.
+    QVarLengthArray<QByteArray, 4> texts(static_cast<int>(terms.size()));
     StatementUse use{stmt};
     for (size_t i = 0; i < terms.size(); ++i) {
         if (terms[i].isText) {
-            const QByteArray utf8 = terms[i].text.toUtf8();
-            sqlite3_bind_text(stmt, static_cast<int>(i + 1), utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
+            texts[static_cast<int>(i)] = terms[i].text.toUtf8();
+            const QByteArray& utf8 = texts[static_cast<int>(i)];
+            sqlite3_bind_text(stmt, static_cast<int>(i + 1), utf8.constData(), utf8.size(), SQLITE_STATIC);
         } else {
             sqlite3_bind_int64(stmt, static_cast<int>(i + 1), terms[i].number);
         }

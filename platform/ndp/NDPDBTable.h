@@ -57,12 +57,14 @@ private:
     sqlite3_stmt* statement(const std::string& sql);
     bool listAddresses(sqlite3_stmt* statement, CFileAddressList& addresses);
     bool searchKey(int field, std::int64_t key, CFileAddressList& addresses, bool firstOnly);
-    std::string quotedTable() const;
+    const std::string& quotedTable() const { return m_quotedTable; }
 
     CDatabase* m_database;
     std::wstring m_name;
     std::vector<CDBField> m_fields;
     std::vector<std::string> m_columns;  // quoted SQLite column of each field
+    std::string m_quotedTable;           // quoted SQLite table name
+    std::string m_recordSql;             // the SELECT that GetRecord runs
     std::map<std::string, sqlite3_stmt*> m_statements;  // prepared once, reused
 };
 

@@ -40,6 +40,10 @@ void CDatabase::setError(const QString& context) {
 }
 
 bool CDatabase::openFile(const QString& path, int flags, bool create) {
+    // Before SQLite's first use in the process: no allocation statistics, whose lock every
+    // allocation would take (a record read allocates a dozen times).
+    static const int noMemoryStatistics = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    Q_UNUSED(noMemoryStatistics)
     Close();
     m_path = path;
     m_lastError.clear();

@@ -24,24 +24,27 @@ bool integerTerm(const CDBTable& table, const QString& name, const QString& valu
 
 bool parseQueryExpression(const std::wstring& wide, const CDBTable& table, std::vector<NDPQueryTerm>& terms) {
     terms.clear();
-    const QString expression = QString::fromStdWString(wide);
 
-    static const QString kSame = QStringLiteral("SameString(");
-    if (expression.startsWith(kSame)) {
-        const int comma = expression.indexOf(QLatin1Char(','), kSame.size());
-        if (comma < 0 || !expression.endsWith(QLatin1String("\")"))) return false;
-        if (comma + 1 >= expression.size() || expression[comma + 1] != QLatin1Char('"')) return false;
-        const int textStart = comma + 2;
-        const int textEnd = expression.size() - 2;
+    // Taken apart on the wide text itself: look-ups by name run this on every call.
+    static const std::wstring kSame = L"SameString(";
+    if (wide.compare(0, kSame.size(), kSame) == 0) {
+        const size_t size = wide.size();
+        const size_t comma = wide.find(L',', kSame.size());
+        if (comma == std::wstring::npos || wide.compare(size - 2, 2, L"\")") != 0) return false;
+        if (comma + 1 >= size || wide[comma + 1] != L'"') return false;
+        const size_t textStart = comma + 2;
+        const size_t textEnd = size - 2;
         if (textEnd < textStart) return false;
         NDPQueryTerm term;
-        term.field = table.FindField(expression.mid(kSame.size(), comma - kSame.size()).toStdWString());
+        term.field = table.FindField(wide.substr(kSame.size(), comma - kSame.size()));
         if (term.field < 0 || table.GetField(term.field).GetKind() != EnDBFieldKind::Text) return false;
         term.isText = true;
-        term.text = expression.mid(textStart, textEnd - textStart);
+        term.text = QString::fromStdWString(wide.substr(textStart, textEnd - textStart));
         terms.push_back(term);
         return true;
     }
+
+    const QString expression = QString::fromStdWString(wide);
 
     static const QRegularExpression kForms[] = {
         QRegularExpression(QStringLiteral("^(\\w+)==(-?\\d+)$")),

@@ -1,0 +1,175 @@
+// BXQDataSession: opening the databases of a bxq run and registering the section repository.
+#include "app/BXQDataSession.h"
+
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRSectionPolyDBManager.h"
+#include "section_data/SectionRepository.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "vmp/IVMPModel.h"
+#include "vmp/VMPAppInfo.h"
+#include "vmp/VMPModelException.h"
+#include "vmp/VMPNDDBManager.h"
+#include "vmp/VMPProjectModel.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace bxq {
+namespace {
+
+const char kCatalogueFile[] = "SKRSectionPolyDB.KDB";
+
+// The model of a run without a project: the repository gets the catalogue only.
+class NoProjectModel : public IVMPModel {
+public:
+    ndp::CDatabase* getProjectDB() override { return nullptr; }
+    bool isAutoCalculate() const override { return false; }
+};
+
+// Keeps the platform's warnings off standard error while it lives, so that a verb reports a
+// failure in one line of its own; the last warning is the reason it gives.
+class WarningCapture {
+public:
+    WarningCapture() : m_previous(qInstallMessageHandler(&WarningCapture::take)) { s_last = &m_last; }
+    ~WarningCapture() {
+        qInstallMessageHandler(m_previous);
+        s_last = nullptr;
+    }
+    const QString& last() const { return m_last; }
+
+private:
+    static void take(QtMsgType, const QMessageLogContext&, const QString& message) {
+        if (s_last) *s_last = message;
+    }
+    static QString* s_last;
+    QtMessageHandler m_previous;
+    QString m_last;
+};
+QString* WarningCapture::s_last = nullptr;
+
+QString missingFileMessage(const QString& path) {
+    return QCoreApplication::translate("SKRSysInfo", "[%0]文件不存在").arg(path, 0, QLatin1Char(' '));
+}
+
+QString unreadableMessage(const QString& path, const QString& reason) {
+    QString why = reason.isEmpty() ? QStringLiteral("not a database of this program") : reason;
+    const QString namedFile = QStringLiteral(" (%1)").arg(path);  // the platform's reasons end so
+    if (why.endsWith(namedFile)) why.chop(namedFile.size());
+    return QStringLiteral("cannot open %1: %2").arg(path, why);
+}
+
+// Releases a record however the reading of it ends.
+struct RecordRef {
+    ndp::CDBRecord* record;
+    ~RecordRef() {
+        if (record) record->Release();
+    }
+};
+
+}  // namespace
+
+BXQDataSession::BXQDataSession() : m_noProject(new NoProjectModel) {}
+
+BXQDataSession::~BXQDataSession() {
+    if (m_registered) {
+        // Destroying the repository destroys and unregisters its providers.
+        skr::util::UnRegisterInstance<skr::section::SectionRepository>(true);
+    }
+    SKRSectionPolyDBManager::freeInstance();
+    VMPNDDBManager::nddbMgr()->closeAll();
+}
+
+QString BXQDataSession::dataFilePath(const QString& fileName) {
+    return VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + fileName;
+}
+
+bool BXQDataSession::openProject(const QString& path, bool create, QString* error) {
+    m_projectPath = path;
+    const QFileInfo file(path);
+    if (path.isEmpty()) {
+        *error = QStringLiteral("--project needs a file name");
+        return false;
+    }
+    if (file.exists() && !file.isFile()) {
+        *error = QStringLiteral("cannot open project %1: not a file").arg(path);
+        return false;
+    }
+    if (!create && !file.exists()) {
+        *error = QStringLiteral("project %1 does not exist").arg(path);
+        return false;
+    }
+    auto project = std::make_unique<VMPProjectModel>();
+    if (!project->open(path)) {
+        const QString reason = project->lastError();
+        *error = QStringLiteral("cannot open project %1: %2")
+                     .arg(path, reason.isEmpty() ? QStringLiteral("not a project database") : reason);
+        return false;
+    }
+    m_project = std::move(project);
+    return true;
+}
+
+bool BXQDataSession::openCatalogue(QString* error) {
+    if (m_catalogue) return true;
+    const QString path = dataFilePath(QLatin1String(kCatalogueFile));
+    WarningCapture warnings;
+    try {
+        m_catalogue = SKRSectionPolyDBManager::instance()->sectionPolyDB();
+    } catch (const VMPModelException& e) {
+        *error = e.message();
+        return false;
+    }
+    if (!m_catalogue) *error = unreadableMessage(path, warnings.last());
+    return m_catalogue != nullptr;
+}
+
+ndp::CDatabase* BXQDataSession::openSystemDatabase(const QString& fileName, QString* error) {
+    const QString path = dataFilePath(fileName);
+    if (!VMPAppInfo::gAppInfo()->fileExists(path)) {
+        *error = missingFileMessage(path);
+        return nullptr;
+    }
+    WarningCapture warnings;
+    ndp::CDatabase* database = VMPNDDBManager::nddbMgr()->getNDDB(fileName, false);
+    if (!database) *error = unreadableMessage(path, warnings.last());
+    return database;
+}
+
+void BXQDataSession::registerRepository() {
+    if (m_registered) return;
+    // The start-up opens the catalogue by name itself and leaves it out quietly when it cannot.
+    WarningCapture warnings;
+    skr::InitBXQSteelRepository(model());
+    m_registered = true;
+}
+
+bool BXQDataSession::saveProject(QString* error) {
+    if (m_project && m_project->save()) return true;
+    *error = QStringLiteral("cannot save project %1: %2")
+                 .arg(m_projectPath, m_project ? m_project->lastError() : QStringLiteral("not open"));
+    return false;
+}
+
+ndp::CDatabase* BXQDataSession::projectDB() const { return m_project ? m_project->getProjectDB() : nullptr; }
+
+IVMPModel* BXQDataSession::model() {
+    if (m_project) return m_project.get();
+    return m_noProject.get();
+}
+
+std::vector<skr::section::SKRHotRollingSection> BXQDataSession::allSections(
+    ndp::CDBTable* table, skr::section::SKRHotRollingSectionDBProvider* reader) {
+    std::vector<skr::section::SKRHotRollingSection> sections;
+    ndp::CFileAddressList all;
+    if (!table || !reader || !table->ListAll(all)) return sections;
+    for (int i = 0; i < all.GetCount(); ++i) {
+        RecordRef ref{table->GetRecord(all.GetItem(i))};
+        if (ref.record) sections.push_back(reader->fromRecord(ref.record));
+    }
+    return sections;
+}
+
+}  // namespace bxq

@@ -1,0 +1,238 @@
+// bxq outline: the polygon of an outline text, or of a section specification drawn with its
+// catalogue radii, and its section properties; optionally a picture of it as SVG.
+#include "app/BXQCommand.h"
+#include "app/BXQDataSession.h"
+
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_geometry/SKRSectionOutline.h"
+#include "section_geometry/SKRSectionParams.h"
+#include "section_geometry/SKRSectionPolygonParser.h"
+#include "section_spec/SKRSectionPolyInfoParser.h"
+
+#include "ndp/NDPPolygon.h"
+#include "ndp/NDPSectionProperties.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+namespace bxq {
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+// Figures for people: ten significant digits are more than any drawing holds.
+QString figure(double value) { return QString::number(std::abs(value) < 1e-9 ? 0.0 : value, 'g', 10); }
+
+// Rolled shapes whose root radius only the catalogue knows.
+bool hasCatalogueRadii(int sectionType) {
+    return sectionType == 1 || sectionType == 2 || sectionType == 3 || sectionType == 4 || sectionType == 7 ||
+           sectionType == 10;
+}
+
+// The outline of a specification: a catalogue section with the radii of its catalogue row,
+// anything else from the dimensions its text gives.
+bool specificationOutline(const QString& specification, QString& outline, QString* error) {
+    SKRSectionPolyInfoParser parser;
+    parser.parser(specification);
+    const GSectionPolyInfo info = parser.sectionPolyInfo();
+    if (info.sectionType <= 0) {
+        *error = QStringLiteral("'%1' is not a section specification").arg(specification);
+        return false;
+    }
+    QMap<QString, double> params;
+    auto* catalogue = skr::util::FetchInstance<skr::section::SKRHotRollingSectionDBProvider>();
+    const skr::section::SKRHotRollingLookup row =
+        catalogue ? catalogue->findByName(info.name.toStdWString()) : skr::section::SKRHotRollingLookup{};
+    if (row.first && row.second.sectionType == info.sectionType) {
+        QMap<QString, double> dimensions;
+        for (const auto& param : row.second.params) dimensions.insert(QString::fromStdWString(param.first), param.second);
+        params = skr::geometry::catalogueOutlineParams(info.sectionType, dimensions, row.second.weightMeter);
+    } else if (!skr::geometry::sectionParamsByCode(info, params, error)) {
+        *error = QStringLiteral("'%1': %2").arg(specification, *error);
+        return false;
+    } else if (hasCatalogueRadii(info.sectionType)) {
+        warn(QStringLiteral("%1 is not in the catalogue; drawn without its root radius").arg(info.name));
+    }
+    if (!skr::geometry::sectionOutlineText(info.sectionType, params, outline, error)) {
+        *error = QStringLiteral("'%1': %2").arg(specification, *error);
+        return false;
+    }
+    return true;
+}
+
+// The polygon of an outline text, when every loop of it closes round some area.
+std::unique_ptr<ndp::CPolygon> outlinePolygon(const QString& text, QString* error) {
+    std::unique_ptr<ndp::CPolygon> polygon = text.trimmed().isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(text);
+    if (!polygon || polygon->IsEmpty()) {
+        *error = QStringLiteral("the outline text has no loop");
+        return nullptr;
+    }
+    for (int i = 0; i < polygon->GetLoopCount(); ++i) {
+        const ndp::CLoop* loop = polygon->GetLoop(i);
+        if (!loop->IsClosed() || loop->ClockSign() == 0) {
+            *error = QStringLiteral("loop %1 of the outline text does not close round an area").arg(i + 1);
+            return nullptr;
+        }
+    }
+    if (!(polygon->Area() > 0)) {
+        *error = QStringLiteral("the holes of the outline text take all of its area");
+        return nullptr;
+    }
+    return polygon;
+}
+
+QByteArray humanReport(const ndp::CSectionProperties& p, const QString& outline) {
+    QString out;
+    QTextStream s(&out);
+    if (!outline.isEmpty()) s << "outline    " << outline << '\n';
+    s << "area       " << figure(p.area) << " mm2\n";
+    s << "perimeter  " << figure(p.perimeter) << " mm (outer " << figure(p.outerPerimeter) << " mm)\n";
+    s << "bbox       " << figure(p.box.Min().x) << ' ' << figure(p.box.Min().y) << ' ' << figure(p.box.Max().x) << ' '
+      << figure(p.box.Max().y) << '\n';
+    s << "centroid   " << figure(p.centroid.x) << ' ' << figure(p.centroid.y) << '\n';
+    s << "ix         " << figure(p.ix) << " mm4\n";
+    s << "iy         " << figure(p.iy) << " mm4\n";
+    // A product of inertia that is rounding noise next to ix and iy reads as what it is, zero.
+    const bool noise = std::abs(p.ixy) <= 1e-12 * std::sqrt(p.ix * p.iy);
+    s << "ixy        " << figure(noise ? 0.0 : p.ixy) << " mm4\n";
+    s.flush();
+    return out.toUtf8();
+}
+
+QByteArray jsonReport(const ndp::CSectionProperties& p, const QString& outline) {
+    const QJsonObject object{
+        {"outline", outline},
+        {"area", p.area},
+        {"perimeter", p.perimeter},
+        {"outerPerimeter", p.outerPerimeter},
+        {"bbox", QJsonArray{p.box.Min().x, p.box.Min().y, p.box.Max().x, p.box.Max().y}},
+        {"centroid", QJsonArray{p.centroid.x, p.centroid.y}},
+        {"ix", p.ix},
+        {"iy", p.iy},
+        {"ixy", p.ixy},
+    };
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+// A point of the drawing in SVG coordinates, whose y runs down.
+QString svgPoint(const ndp::CPoint2d& p) { return figure(p.x) + QLatin1Char(' ') + figure(-p.y); }
+
+// One path of every loop: lines as L and arcs as A (a full circle as two halves), each loop
+// closed with Z. The y flip turns a counter-clockwise arc into SVG's positive sweep.
+QString svgPath(const ndp::CPolygon& polygon) {
+    QString d;
+    for (int i = 0; i < polygon.GetLoopCount(); ++i) {
+        const ndp::CLoop* loop = polygon.GetLoop(i);
+        for (int k = 0; k < loop->GetCount(); ++k) {
+            const ndp::CCurve2d* curve = loop->GetCurve(k);
+            const bool joined = k > 0 && loop->GetCurve(k - 1)->EndPoint().DistanceTo(curve->StartPoint()) <= 1e-9;
+            if (!joined) d += QStringLiteral("M ") + svgPoint(curve->StartPoint()) + QLatin1Char(' ');
+            if (curve->GetType() != ndp::EnCurveType::Arc) {
+                d += QStringLiteral("L ") + svgPoint(curve->EndPoint()) + QLatin1Char(' ');
+                continue;
+            }
+            const auto* arc = static_cast<const ndp::CArc2d*>(curve);
+            const QString radius = figure(arc->Radius());
+            const QString sweep = arc->IsCounterClockwise() ? QStringLiteral("1") : QStringLiteral("0");
+            auto arcTo = [&](const ndp::CPoint2d& to, bool large) {
+                d += QStringLiteral("A %1 %1 0 %2 %3 %4 ").arg(radius, large ? QStringLiteral("1") : QStringLiteral("0"),
+                                                             sweep, svgPoint(to));
+            };
+            if (arc->IsFullCircle()) {
+                arcTo(arc->PointAt(0.5), false);
+                arcTo(arc->EndPoint(), false);
+            } else {
+                arcTo(arc->EndPoint(), std::abs(arc->Sweep()) > kPi);
+            }
+        }
+        d += QStringLiteral("Z ");
+    }
+    return d.trimmed();
+}
+
+QByteArray svgPicture(const ndp::CPolygon& polygon, const ndp::CSectionProperties& p) {
+    const double width = p.box.Max().x - p.box.Min().x;
+    const double height = p.box.Max().y - p.box.Min().y;
+    const double size = std::max(width, height);
+    const double margin = 0.1 * size;
+    const double fontSize = 0.06 * size;
+    const double x0 = p.box.Min().x - margin;
+    const double y0 = -p.box.Max().y - margin;
+    const double viewWidth = width + 2 * margin;
+    const double viewHeight = height + 2 * margin + 2 * fontSize;
+    QString svg;
+    QTextStream s(&svg);
+    s << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" << figure(x0) << ' ' << figure(y0) << ' '
+      << figure(viewWidth) << ' ' << figure(viewHeight) << "\" width=\"" << figure(std::min(800.0, 4 * viewWidth))
+      << "\">\n";
+    s << "  <path d=\"" << svgPath(polygon) << "\" fill=\"#b8c7d9\" fill-rule=\"evenodd\" stroke=\"#1f3b5a\" "
+      << "stroke-width=\"" << figure(0.004 * size) << "\"/>\n";
+    s << "  <text x=\"" << figure(p.box.Min().x) << "\" y=\"" << figure(-p.box.Min().y + margin + fontSize)
+      << "\" font-family=\"sans-serif\" font-size=\"" << figure(fontSize) << "\">A = " << figure(p.area)
+      << " mm2</text>\n";
+    s << "</svg>\n";
+    s.flush();
+    return svg.toUtf8();
+}
+
+bool writeFile(const QString& path, const QByteArray& content, QString* error) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit()) {
+        *error = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int runOutline(const QStringList& arguments) {
+    QCommandLineParser cli;
+    cli.setApplicationDescription(
+        QStringLiteral("Area, perimeter, bounding box, centroid and second moments of a section outline."));
+    cli.addOption({QStringLiteral("section"), QStringLiteral("Draw this section specification (I20a, HN400*200*8*13, ...)."),
+                   QStringLiteral("SPEC")});
+    cli.addOption({QStringLiteral("svg"), QStringLiteral("Also write a picture of the outline to FILE."),
+                   QStringLiteral("FILE")});
+    cli.addOption({QStringLiteral("json"), QStringLiteral("One JSON object.")});
+    cli.addPositionalArgument(QStringLiteral("text"), QStringLiteral("An outline text (\"x,y,value,kind;...|||...\")."),
+                              QStringLiteral("TEXT"));
+    if (!parseArguments(cli, arguments)) return kUsageError;
+    const QStringList texts = cli.positionalArguments();
+    const bool bySection = cli.isSet(QStringLiteral("section"));
+    if (bySection == !texts.isEmpty() || texts.size() > 1)
+        return usageError(QStringLiteral("outline takes one outline TEXT or --section SPEC"));
+
+    QString error;
+    QString outline;
+    BXQDataSession session;
+    if (bySection) {
+        if (!session.openCatalogue(&error)) return dataError(error);
+        session.registerRepository();
+        if (!specificationOutline(cli.value(QStringLiteral("section")), outline, &error)) return dataError(error);
+    } else {
+        outline = texts.first();
+    }
+    const std::unique_ptr<ndp::CPolygon> polygon = outlinePolygon(outline, &error);
+    if (!polygon) return dataError(error);
+    const ndp::CSectionProperties properties = ndp::SectionProperties(*polygon);
+
+    if (cli.isSet(QStringLiteral("svg")) &&
+        !writeFile(cli.value(QStringLiteral("svg")), svgPicture(*polygon, properties), &error))
+        return dataError(error);
+    const QByteArray out =
+        cli.isSet(QStringLiteral("json")) ? jsonReport(properties, outline) : humanReport(properties, bySection ? outline : QString());
+    std::fwrite(out.constData(), 1, static_cast<size_t>(out.size()), stdout);
+    std::fflush(stdout);
+    return 0;
+}
+
+}  // namespace bxq

@@ -1,0 +1,509 @@
+// The data verbs of bxq as a user runs them: catalogue, wpm and apm, user-section and face-steel
+// on small databases made here, their refusals and exit statuses, and the same verbs on the
+// shipped databases when this tree generates them.
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
+#include "vmp/VMPProjectModel.h"
+
+#include <gtest/gtest.h>
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocale>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <functional>
+
+using ndp::EnDBFieldKind;
+using skr::section::SKRHotRollingSection;
+
+namespace {
+
+struct BxqRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+    QString text() const { return QString::fromUtf8(out); }
+    QStringList lines() const { return text().split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
+};
+
+BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QByteArray& input = {}) {
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(BXQ_BINARY), arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    process.waitForFinished(60000);
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
+            process.readAllStandardError()};
+}
+
+QByteArray fileDigest(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
+}
+
+const wchar_t* const kParamFields[] = {L"h", L"b", L"d", L"t", L"r", L"r1", L"B", L"tw", L"c", L"D"};
+
+struct CatalogueRow {
+    int type;
+    int sub;
+    const wchar_t* name;
+    double weight;
+    double area;
+    std::vector<double> params;  // in kParamFields order
+};
+
+// A small catalogue in the shipped layout, and the plate table.
+const std::vector<CatalogueRow> kCatalogue{
+    {1, 1, L"I20a", 27.929, 0.742, {200, 100, 7, 11.4, 9, 4.5, 0, 0, 0, 0}},
+    {1, 1, L"I20b", 31.069, 0.746, {200, 102, 9, 11.4, 9, 4.5, 0, 0, 0, 0}},
+    {2, 1, L"[20a", 22.637, 0.77, {200, 73, 7, 11, 11, 5.5, 0, 0, 0, 0}},
+    {3, 1, L"L100*10", 15.12, 0.39, {0, 100, 10, 0, 12, 0, 0, 0, 0, 0}},
+    {7, 3, L"HN400*200*8*13", 65.4, 1.36, {400, 200, 0, 13, 16, 0, 0, 8, 0, 0}},
+    {1011, 1, L"\u25A1150*150*6", 26.402, 0.5794, {150, 150, 0, 6, 0, 0, 0, 0, 0, 0}},
+};
+
+void writeCatalogue(const QString& path) {
+    ndp::CDatabase db;
+    ASSERT_TRUE(db.Create(path));
+    std::vector<ndp::CDBField> fields{{L"PolyID", EnDBFieldKind::Int32, true},
+                                      {L"SubClassID", EnDBFieldKind::Int32, true},
+                                      {L"StandardName", EnDBFieldKind::Text, true},
+                                      {L"WeightMeter", EnDBFieldKind::Double},
+                                      {L"AreaVal", EnDBFieldKind::Double}};
+    for (const wchar_t* field : kParamFields) fields.emplace_back(field, EnDBFieldKind::Text);
+    ndp::CDBTable* table = db.CreateTable(L"SectionPolyInfor", fields);
+    ASSERT_NE(table, nullptr);
+    for (const CatalogueRow& row : kCatalogue) {
+        ndp::CDBRecord* record = table->CreateRecord();
+        record->SetInt(0, row.type);
+        record->SetInt(1, row.sub);
+        record->SetString(2, row.name);
+        record->SetDouble(3, row.weight);
+        record->SetDouble(4, row.area);
+        for (size_t i = 0; i < row.params.size(); ++i)
+            record->SetString(static_cast<int>(5 + i), QString::number(row.params[i]).toStdWString());
+        ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
+        record->Release();
+    }
+    ASSERT_TRUE(db.Flush());
+}
+
+void writePlates(const QString& path) {
+    ndp::CDatabase db;
+    ASSERT_TRUE(db.Create(path));
+    ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
+                                                             {L"Thickness", EnDBFieldKind::Double},
+                                                             {L"Weight", EnDBFieldKind::Double}});
+    ASSERT_NE(table, nullptr);
+    const double rows[][3] = {{1, 20, 157}, {1, 4.5, 35.325}, {2, 0.5, 3.925}};
+    for (const auto& row : rows) {
+        ndp::CDBRecord* record = table->CreateRecord();
+        record->SetInt(0, static_cast<int>(row[0]));
+        record->SetDouble(1, row[1]);
+        record->SetDouble(2, row[2]);
+        table->AddRecord(record);
+        record->Release();
+    }
+    ASSERT_TRUE(db.Flush());
+}
+
+// The user sections of a project file, read back by another connection.
+std::vector<SKRHotRollingSection> userSections(const QString& path) {
+    ndp::CDatabase db;
+    if (!db.Open(path, true)) return {};
+    ndp::CDBTable* table = db.GetTable(L"CustomHotRolledSection");
+    skr::section::SKRUserHotRollingSectionDBProvider reader(table);
+    std::vector<SKRHotRollingSection> sections;
+    ndp::CFileAddressList all;
+    if (!table || !table->ListAll(all)) return sections;
+    for (int i = 0; i < all.GetCount(); ++i) {
+        ndp::CDBRecord* record = table->GetRecord(all.GetItem(i));
+        sections.push_back(reader.fromRecord(record));
+        record->Release();
+    }
+    return sections;
+}
+
+class BxqDataTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_data.isValid() && m_work.isValid());
+        writeCatalogue(m_data.filePath("SKRSectionPolyDB.KDB"));
+        writePlates(m_data.filePath("SysInfo.KDB"));
+        m_project = m_work.filePath("project.KDB");
+    }
+    BxqRun run(const QStringList& arguments, const QByteArray& input = {}) const {
+        return bxq(m_data.path(), arguments, input);
+    }
+    // A project holding one user section, written through the library as the host's dialog does.
+    void addUserSectionDirectly(const SKRHotRollingSection& section) {
+        VMPProjectModel model;
+        ASSERT_TRUE(model.open(m_project));
+        skr::section::SKRUserHotRollingSectionDBProvider provider(
+            model.getProjectDB()->GetTable(L"CustomHotRolledSection"));
+        ASSERT_TRUE(provider.addSection(section));
+        ASSERT_TRUE(model.save());
+    }
+
+    QTemporaryDir m_data;
+    QTemporaryDir m_work;
+    QString m_project;
+};
+
+}  // namespace
+
+TEST_F(BxqDataTest, CatalogueTypeFilterListsOnlyThatTypeWithoutAbsentDimensions) {
+    const BxqRun beams = run({"catalogue", "--type", "1"});
+    ASSERT_EQ(beams.exitCode, 0) << beams.err.constData();
+    const QStringList lines = beams.lines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].startsWith("I20a ")) << qPrintable(lines[0]);
+    EXPECT_TRUE(lines[1].startsWith("I20b ")) << qPrintable(lines[1]);
+    for (const QString& line : lines) {
+        EXPECT_TRUE(line.contains(" type=1 sub=1 ")) << qPrintable(line);
+        EXPECT_TRUE(line.contains(" h=200 ")) << qPrintable(line);
+        EXPECT_FALSE(line.contains(" tw=")) << qPrintable(line);
+        EXPECT_FALSE(line.contains(" B=")) << qPrintable(line);
+    }
+    EXPECT_TRUE(lines[0].contains(" kg/m=27.929 m2/m=0.742 ")) << qPrintable(lines[0]);
+    EXPECT_TRUE(lines[0].endsWith(" r=9 r1=4.5")) << qPrintable(lines[0]);
+
+    const BxqRun all = run({"catalogue"});
+    ASSERT_EQ(all.exitCode, 0);
+    EXPECT_EQ(all.lines().size(), static_cast<int>(kCatalogue.size()));
+    EXPECT_TRUE(run({"catalogue", "--type", "42"}).out.isEmpty());
+}
+
+TEST_F(BxqDataTest, CatalogueJsonIsOneArrayOfRowsWithTheirNonZeroParameters) {
+    const BxqRun json = run({"catalogue", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << json.err.constData();
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json.out, &error);
+    ASSERT_EQ(error.error, QJsonParseError::NoError);
+    ASSERT_TRUE(document.isArray());
+    const QJsonArray rows = document.array();
+    ASSERT_EQ(rows.size(), static_cast<int>(kCatalogue.size()));
+    for (int i = 0; i < rows.size(); ++i) {
+        const CatalogueRow& expected = kCatalogue[static_cast<size_t>(i)];
+        const QJsonObject row = rows[i].toObject();
+        QStringList keys = row.keys();
+        keys.sort();
+        EXPECT_EQ(keys, (QStringList{"name", "params", "sub", "surface", "type", "weight"}));
+        EXPECT_EQ(row.value("name").toString(), QString::fromWCharArray(expected.name));
+        EXPECT_EQ(row.value("type").toInt(), expected.type);
+        EXPECT_EQ(row.value("sub").toInt(), expected.sub);
+        EXPECT_EQ(row.value("weight").toDouble(), expected.weight);
+        EXPECT_EQ(row.value("surface").toDouble(), expected.area);
+        QJsonObject params;
+        for (size_t p = 0; p < expected.params.size(); ++p)
+            if (expected.params[p] != 0.0) params.insert(QString::fromWCharArray(kParamFields[p]), expected.params[p]);
+        EXPECT_EQ(row.value("params").toObject(), params) << qPrintable(row.value("name").toString());
+    }
+    const QJsonArray angles = QJsonDocument::fromJson(run({"catalogue", "--json", "--type", "3"}).out).array();
+    ASSERT_EQ(angles.size(), 1);
+    EXPECT_EQ(angles[0].toObject().value("name").toString(), "L100*10");
+}
+
+TEST_F(BxqDataTest, PerMetreFiguresComeOneLinePerNameInShortestForm) {
+    const BxqRun weights = run({"wpm", "I20a", "HN400*200*8*13", "\u25A1150*150*6", "I99", "i20a"});
+    ASSERT_EQ(weights.exitCode, 0) << weights.err.constData();
+    EXPECT_EQ(weights.text(), "27.929\n65.4\n26.402\n0\n0\n");
+    const BxqRun surfaces = run({"apm", "I20a", "\u25A1150*150*6", "nothing"});
+    ASSERT_EQ(surfaces.exitCode, 0);
+    EXPECT_EQ(surfaces.text(), "0.742\n0.5794\n0\n");
+
+    // "-" reads one name per line; every line gives one line, an empty one 0.
+    const BxqRun piped = run({"wpm", "I20b", "-", "[20a"}, "L100*10\r\n\nI20a\n");
+    ASSERT_EQ(piped.exitCode, 0);
+    EXPECT_EQ(piped.text(), "31.069\n15.12\n0\n27.929\n22.637\n");
+}
+
+TEST_F(BxqDataTest, UserSectionsOfTheProjectComeFirst) {
+    SKRHotRollingSection shadow;
+    shadow.sectionType = 1;
+    shadow.subId = 1;
+    shadow.standardName = L"I20a";
+    shadow.weightMeter = 30.5;
+    shadow.area = 0.8;
+    addUserSectionDirectly(shadow);
+    shadow.standardName = L"Z270*80*8*3(ZDY)";
+    shadow.sectionType = 9;
+    shadow.weightMeter = 12.25;
+    shadow.area = 0.61;
+    addUserSectionDirectly(shadow);
+
+    EXPECT_EQ(run({"wpm", "--project", m_project, "I20a", "Z270*80*8*3(ZDY)", "I20b", "Z1(ZDY)"}).text(),
+              "30.5\n12.25\n31.069\n0\n");
+    EXPECT_EQ(run({"apm", "--project", m_project, "I20a", "Z270*80*8*3(ZDY)"}).text(), "0.8\n0.61\n");
+    // Without the project only the catalogue answers.
+    EXPECT_EQ(run({"wpm", "I20a", "Z270*80*8*3(ZDY)"}).text(), "27.929\n0\n");
+}
+
+TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
+    const BxqRun added = run({"user-section", "add", "Z 270*80*8*3", "--project", m_project, "--type", "9", "--weight",
+                              "12.5", "--area", "0.6", "--param", "h=270", "--param", "b=80"});
+    ASSERT_EQ(added.exitCode, 0) << added.err.constData();
+    auto stored = userSections(m_project);
+    ASSERT_EQ(stored.size(), 1u);
+    EXPECT_EQ(stored[0].standardName, L"Z270*80*8*3(ZDY)");  // blanks gone, the mark appended
+    EXPECT_EQ(stored[0].sectionType, 9);
+    EXPECT_EQ(stored[0].subId, 1);
+    EXPECT_EQ(stored[0].weightMeter, 12.5);
+    EXPECT_EQ(stored[0].area, 0.6);
+    const std::vector<std::pair<std::wstring, double>> params{{L"h", 270}, {L"b", 80}};
+    EXPECT_EQ(stored[0].params, params);
+    EXPECT_TRUE(added.text().startsWith("Z270*80*8*3(ZDY)")) << added.out.constData();
+
+    // The next section of the same type takes the next sub number unless one is given.
+    ASSERT_EQ(run({"user-section", "add", "Z300*80*8*3(ZDY)", "--project", m_project, "--type", "9", "--weight", "14",
+                   "--area", "0.65"})
+                  .exitCode,
+              0);
+    ASSERT_EQ(run({"user-section", "add", "L100*10", "--project", m_project, "--type", "3", "--sub", "7", "--weight",
+                   "15", "--area", "0.39"})
+                  .exitCode,
+              0);
+    stored = userSections(m_project);
+    ASSERT_EQ(stored.size(), 3u);
+    EXPECT_EQ(stored[1].subId, 2);
+    EXPECT_EQ(stored[2].subId, 7);
+
+    const BxqRun listed = run({"user-section", "list", "--project", m_project});
+    ASSERT_EQ(listed.exitCode, 0);
+    ASSERT_EQ(listed.lines().size(), 3);
+    EXPECT_TRUE(listed.lines()[0].contains("type=9 sub=1 kg/m=12.5 m2/m=0.6 h=270 b=80")) << listed.out.constData();
+    const QJsonArray json = QJsonDocument::fromJson(run({"user-section", "list", "--project", m_project, "--json"}).out).array();
+    ASSERT_EQ(json.size(), 3);
+    EXPECT_EQ(json[2].toObject().value("name").toString(), "L100*10(ZDY)");
+
+    // The parser finds the added section by the name a user types.
+    const QJsonObject parsed = QJsonDocument::fromJson(run({"parse", "--json", "--project", m_project, "Z270*80*8*3(ZDY)"}).out).object();
+    EXPECT_EQ(parsed.value("sectionType").toInt(), 9);
+
+    // Update changes the figures given, nothing else; the name may be typed without the mark.
+    ASSERT_EQ(run({"user-section", "update", "Z270*80*8*3", "--project", m_project, "--weight", "13"}).exitCode, 0);
+    stored = userSections(m_project);
+    EXPECT_EQ(stored[0].weightMeter, 13.0);
+    EXPECT_EQ(stored[0].area, 0.6);
+    EXPECT_EQ(stored[0].sectionType, 9);
+    EXPECT_EQ(stored[0].params, params);
+    EXPECT_EQ(run({"wpm", "--project", m_project, "Z270*80*8*3(ZDY)"}).text(), "13\n");
+    const BxqRun unknown = run({"user-section", "update", "Z1", "--project", m_project, "--area", "1"});
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(unknown.out.isEmpty());
+
+    const BxqRun removed = run({"user-section", "remove", "--project", m_project, "--type", "9", "--sub", "1"});
+    ASSERT_EQ(removed.exitCode, 0) << removed.err.constData();
+    EXPECT_TRUE(removed.text().startsWith("Z270*80*8*3(ZDY)"));
+    stored = userSections(m_project);
+    ASSERT_EQ(stored.size(), 2u);
+    EXPECT_EQ(stored[0].standardName, L"Z300*80*8*3(ZDY)");
+    const BxqRun again = run({"user-section", "remove", "--project", m_project, "--type", "9", "--sub", "1"});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_EQ(userSections(m_project).size(), 2u);
+}
+
+TEST_F(BxqDataTest, RefusedChangesLeaveTheProjectFileAsItWas) {
+    ASSERT_EQ(run({"user-section", "add", "Z270*80*8*3", "--project", m_project, "--type", "9", "--weight", "12.5",
+                   "--area", "0.6"})
+                  .exitCode,
+              0);
+    const QByteArray before = fileDigest(m_project);
+    const QList<QStringList> refused{
+        // the same name, typed with and without the mark
+        {"user-section", "add", "Z270*80*8*3(ZDY)", "--project", m_project, "--type", "9", "--weight", "1", "--area", "1"},
+        {"user-section", "add", "Z270*80*8*3", "--project", m_project, "--type", "8", "--weight", "1", "--area", "1"},
+        // a sub number taken by another section of the type
+        {"user-section", "add", "Z9", "--project", m_project, "--type", "9", "--sub", "1", "--weight", "1", "--area", "1"},
+    };
+    for (const QStringList& arguments : refused) {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        const BxqRun result = run(arguments);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_TRUE(result.out.isEmpty());
+        EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
+        EXPECT_TRUE(QString::fromUtf8(result.err).contains(m_project)) << result.err.constData();
+    }
+    EXPECT_EQ(fileDigest(m_project), before);
+    EXPECT_EQ(userSections(m_project).size(), 1u);
+}
+
+TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
+    const QString fresh = m_work.filePath("fresh.KDB");
+    const QList<QStringList> cases{
+        {"catalogue", "--type", "x"},
+        {"catalogue", "I20a"},
+        {"wpm"},
+        {"apm", "--project"},
+        {"face-steel", "1"},
+        {"face-steel", "1", "thick"},
+        {"user-section"},
+        {"user-section", "rename", "X1", "--project", fresh},
+        {"user-section", "list"},
+        {"user-section", "add", "Z1", "--project", fresh, "--weight", "1", "--area", "1"},
+        {"user-section", "add", "Z1", "--project", fresh, "--type", "11", "--weight", "1", "--area", "1"},
+        {"user-section", "add", "Z1", "--project", fresh, "--type", "9", "--weight", "heavy", "--area", "1"},
+        {"user-section", "add", "Z1", "--project", fresh, "--type", "9", "--weight", "-1", "--area", "1"},
+        {"user-section", "add", "Z1", "--project", fresh, "--type", "9", "--weight", "1", "--area", "1", "--param", "h"},
+        {"user-section", "add", "Z1", "--project", fresh, "--type", "9", "--weight", "1", "--area", "1", "--param",
+         "h;x=1"},
+        {"user-section", "add", "I20a\") OR 1=1 --", "--project", fresh, "--type", "1", "--weight", "1", "--area", "1"},
+        {"user-section", "add", "x'; DROP TABLE SectionPolyInfor; --", "--project", fresh, "--type", "1", "--weight",
+         "1", "--area", "1"},
+        {"user-section", "add", "a\"b", "--project", fresh, "--type", "1", "--weight", "1", "--area", "1"},
+        {"user-section", "add", "(ZDY)", "--project", fresh, "--type", "1", "--weight", "1", "--area", "1"},
+        {"user-section", "update", "Z1", "--project", fresh},
+        {"user-section", "update", "Z1", "--project", fresh, "--type", "3", "--weight", "1"},
+        {"user-section", "remove", "--project", fresh, "--type", "9"},
+    };
+    for (const QStringList& arguments : cases) {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        const BxqRun result = run(arguments);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_TRUE(result.out.isEmpty());
+        EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
+    }
+    EXPECT_FALSE(QFile::exists(fresh));
+}
+
+TEST_F(BxqDataTest, FaceSteelWeighsAPlateByClassNameOrNumber) {
+    EXPECT_EQ(run({"face-steel", "热轧钢板", "20"}).text(), "157\n");
+    EXPECT_EQ(run({"face-steel", "1", "4.5"}).text(), "35.325\n");
+    EXPECT_EQ(run({"face-steel", "冷轧钢板", "0.5"}).text(), "3.925\n");
+    // No such plate: 0, as the host's query answers.
+    EXPECT_EQ(run({"face-steel", "热轧钢板", "21"}).text(), "0\n");
+    EXPECT_EQ(run({"face-steel", "不锈钢板", "20"}).text(), "0\n");
+    EXPECT_EQ(run({"face-steel", "1", "20"}).exitCode, 0);
+}
+
+TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
+    QTemporaryDir empty;
+    const QString catalogue = empty.filePath("SKRSectionPolyDB.KDB");
+    const QString plates = empty.filePath("SysInfo.KDB");
+    const std::function<void(const QStringList&, const QString&)> refused = [&](const QStringList& arguments,
+                                                                                 const QString& file) {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        const BxqRun result = bxq(empty.path(), arguments);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_TRUE(result.out.isEmpty());
+        EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
+        EXPECT_TRUE(QString::fromUtf8(result.err).contains(file)) << result.err.constData();
+    };
+    refused({"wpm", "I20a"}, catalogue);
+    refused({"catalogue"}, catalogue);
+    refused({"face-steel", "1", "20"}, plates);
+    const BxqRun missing = bxq(empty.path(), {"apm", "I20a"});
+    EXPECT_EQ(QString::fromUtf8(missing.err).trimmed(), QStringLiteral("bxq: [%1]文件不存在").arg(catalogue));
+
+    for (const QString& path : {catalogue, plates}) {
+        QFile garbage(path);
+        ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
+        garbage.write(QByteArray(4096, '\x5a'));
+    }
+    refused({"wpm", "I20a"}, catalogue);
+    refused({"apm", "-"}, catalogue);
+    refused({"catalogue", "--json"}, catalogue);
+    refused({"face-steel", "1", "20"}, plates);
+
+    // A project that cannot be opened is named too, and left as it was.
+    const QString project = m_work.filePath("broken.KDB");
+    QFile broken(project);
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("not a database at all, just some text that is long enough to be a header...");
+    broken.close();
+    const QByteArray before = fileDigest(project);
+    for (const QStringList& arguments :
+         {QStringList{"wpm", "--project", project, "I20a"}, QStringList{"user-section", "list", "--project", project},
+          QStringList{"user-section", "add", "Z1", "--project", project, "--type", "9", "--weight", "1", "--area", "1"},
+          QStringList{"parse", "--project", project, "I20a"}}) {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        const BxqRun result = run(arguments);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_TRUE(result.out.isEmpty());
+        EXPECT_TRUE(QString::fromUtf8(result.err).contains(project)) << result.err.constData();
+    }
+    EXPECT_EQ(fileDigest(project), before);
+    EXPECT_EQ(run({"wpm", "--project", m_work.filePath("none.KDB"), "I20a"}).exitCode, 1);
+    EXPECT_FALSE(QFile::exists(m_work.filePath("none.KDB")));
+}
+
+TEST_F(BxqDataTest, ParseTakesCatalogueDimensionsOnlyForNamesThatNeedThem) {
+    const QJsonObject beam = QJsonDocument::fromJson(run({"parse", "--json", "I20a"}).out).object();
+    EXPECT_EQ(beam.value("params").toArray(), (QJsonArray{200, 100, 7, 11.4}));
+
+    // Without any database, texts that need no catalogue parse as before, silently; a catalogue
+    // name is parsed without dimensions and the missing file is said once.
+    QTemporaryDir empty;
+    const BxqRun welded = bxq(empty.path(), {"parse", "--json", "H400*200*8*13", "D114*4"});
+    EXPECT_EQ(welded.exitCode, 0);
+    EXPECT_TRUE(welded.err.isEmpty()) << welded.err.constData();
+    EXPECT_EQ(welded.lines().size(), 2);
+    const BxqRun names = bxq(empty.path(), {"parse", "--json", "I20a", "[20a", "I20b"});
+    EXPECT_EQ(names.exitCode, 0);
+    EXPECT_EQ(names.lines().size(), 3);
+    EXPECT_EQ(names.err.count('\n'), 1);
+    EXPECT_TRUE(QString::fromUtf8(names.err).contains(empty.filePath("SKRSectionPolyDB.KDB")));
+    EXPECT_TRUE(QJsonDocument::fromJson(names.lines()[0].toUtf8()).object().value("params").toArray().isEmpty());
+}
+
+// The shipped databases: the figures bxq prints are those of the catalogue file.
+TEST(BxqShippedDatabases, PrintTheCatalogueFigures) {
+#if !BXQ_SHIPPED_DATABASES
+    GTEST_SKIP() << "this tree generates no databases";
+#else
+    const QString dataDir = QStringLiteral(BXQ_SHIPPED_DATA_DIR);
+    ndp::CDatabase db;
+    ASSERT_TRUE(db.Open(dataDir + "/SKRSectionPolyDB.KDB", true)) << qPrintable(db.GetLastError());
+    skr::section::SKRHotRollingSectionDBProvider catalogue(db.GetTable(L"SectionPolyInfor"));
+    const QStringList names{"I20a", "[20a", "HN400*200*8*13", "L100*10", "\u25A1150*150*6", "D114*4"};
+    QString weights, surfaces;
+    for (const QString& name : names) {
+        const auto row = catalogue.findByName(name.toStdWString());
+        ASSERT_TRUE(row.first) << qPrintable(name);
+        weights += QString::number(row.second.weightMeter, 'g', QLocale::FloatingPointShortest) + '\n';
+        surfaces += QString::number(row.second.area, 'g', QLocale::FloatingPointShortest) + '\n';
+    }
+    EXPECT_EQ(bxq(dataDir, QStringList{"wpm"} + names).text(), weights);
+    EXPECT_EQ(bxq(dataDir, QStringList{"apm"} + names).text(), surfaces);
+
+    const auto beam = catalogue.findByName(L"I20a").second;
+    QJsonArray dimensions;
+    for (const wchar_t* field : {L"h", L"b", L"d", L"t"})
+        for (const auto& param : beam.params)
+            if (param.first == field) dimensions.append(param.second);
+    const QJsonObject parsed = QJsonDocument::fromJson(bxq(dataDir, {"parse", "--json", "I20a"}).out).object();
+    EXPECT_EQ(parsed.value("params").toArray(), dimensions);
+
+    ndp::CFileAddressList all;
+    ASSERT_TRUE(db.GetTable(L"SectionPolyInfor")->ListAll(all));
+    EXPECT_EQ(QJsonDocument::fromJson(bxq(dataDir, {"catalogue", "--json"}).out).array().size(), all.GetCount());
+    // The first hot-rolled plate of 20 mm, as the quantity query takes it.
+    ndp::CDatabase system;
+    ASSERT_TRUE(system.Open(dataDir + "/SysInfo.KDB", true)) << qPrintable(system.GetLastError());
+    ndp::CDBTable* plates = system.GetTable(L"FaceSteelInfo");
+    ASSERT_NE(plates, nullptr);
+    ndp::CFileAddressList rows;
+    ASSERT_TRUE(plates->ListAll(rows));
+    QString plateWeight;
+    for (int i = 0; i < rows.GetCount() && plateWeight.isEmpty(); ++i) {
+        ndp::CDBRecord* row = plates->GetRecord(rows.GetItem(i));
+        if (row->GetInt(plates->FindField(L"Class")) == 1 && row->GetDouble(plates->FindField(L"Thickness")) == 20.0)
+            plateWeight = QString::number(row->GetDouble(plates->FindField(L"Weight")), 'g', QLocale::FloatingPointShortest);
+        row->Release();
+    }
+    ASSERT_FALSE(plateWeight.isEmpty());
+    EXPECT_EQ(bxq(dataDir, {"face-steel", "热轧钢板", "20"}).text(), plateWeight + '\n');
+#endif
+}
