@@ -58,6 +58,8 @@ int runCatalogue(const QStringList& arguments);
 int runWeightPerMetre(const QStringList& arguments);
 int runSurfacePerMetre(const QStringList& arguments);
 int runUserSection(const QStringList& arguments);
+int runMember(const QStringList& arguments);
+int runCutPlane(const QStringList& arguments);
 int runFaceSteel(const QStringList& arguments);
 int runOutline(const QStringList& arguments);
 

@@ -58,8 +58,10 @@ public:
     static std::vector<skr::section::SKRHotRollingSection> allSections(
         ndp::CDBTable* table, skr::section::SKRHotRollingSectionDBProvider* reader);
 
-private:
+    // The model the repository is registered with: the project's, or one without a project.
     IVMPModel* model();
+
+private:
 
     std::unique_ptr<IVMPModel> m_noProject;
     std::unique_ptr<VMPProjectModel> m_project;

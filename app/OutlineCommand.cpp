@@ -3,11 +3,8 @@
 #include "app/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
-#include "section_data/SKRHotRollingSectionDBProvider.h"
-#include "section_geometry/SKRSectionOutline.h"
-#include "section_geometry/SKRSectionParams.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
-#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_geometry/SKRSpecificationOutline.h"
 
 #include "ndp/NDPPolygon.h"
 #include "ndp/NDPSectionProperties.h"
@@ -30,43 +27,6 @@ constexpr double kPi = 3.14159265358979323846;
 
 // Figures for people: ten significant digits are more than any drawing holds.
 QString figure(double value) { return QString::number(std::abs(value) < 1e-9 ? 0.0 : value, 'g', 10); }
-
-// Rolled shapes whose root radius only the catalogue knows.
-bool hasCatalogueRadii(int sectionType) {
-    return sectionType == 1 || sectionType == 2 || sectionType == 3 || sectionType == 4 || sectionType == 7 ||
-           sectionType == 10;
-}
-
-// The outline of a specification: a catalogue section with the radii of its catalogue row,
-// anything else from the dimensions its text gives.
-bool specificationOutline(const QString& specification, QString& outline, QString* error) {
-    SKRSectionPolyInfoParser parser;
-    parser.parser(specification);
-    const GSectionPolyInfo info = parser.sectionPolyInfo();
-    if (info.sectionType <= 0) {
-        *error = QStringLiteral("'%1' is not a section specification").arg(specification);
-        return false;
-    }
-    QMap<QString, double> params;
-    auto* catalogue = skr::util::FetchInstance<skr::section::SKRHotRollingSectionDBProvider>();
-    const skr::section::SKRHotRollingLookup row =
-        catalogue ? catalogue->findByName(info.name.toStdWString()) : skr::section::SKRHotRollingLookup{};
-    if (row.first && row.second.sectionType == info.sectionType) {
-        QMap<QString, double> dimensions;
-        for (const auto& param : row.second.params) dimensions.insert(QString::fromStdWString(param.first), param.second);
-        params = skr::geometry::catalogueOutlineParams(info.sectionType, dimensions, row.second.weightMeter);
-    } else if (!skr::geometry::sectionParamsByCode(info, params, error)) {
-        *error = QStringLiteral("'%1': %2").arg(specification, *error);
-        return false;
-    } else if (hasCatalogueRadii(info.sectionType)) {
-        warn(QStringLiteral("%1 is not in the catalogue; drawn without its root radius").arg(info.name));
-    }
-    if (!skr::geometry::sectionOutlineText(info.sectionType, params, outline, error)) {
-        *error = QStringLiteral("'%1': %2").arg(specification, *error);
-        return false;
-    }
-    return true;
-}
 
 // The polygon of an outline text, when every loop of it closes round some area.
 std::unique_ptr<ndp::CPolygon> outlinePolygon(const QString& text, QString* error) {
@@ -217,7 +177,10 @@ int runOutline(const QStringList& arguments) {
     if (bySection) {
         if (!session.openCatalogue(&error)) return dataError(error);
         session.registerRepository();
-        if (!specificationOutline(cli.value(QStringLiteral("section")), outline, &error)) return dataError(error);
+        QString note;
+        if (!skr::geometry::specificationOutline(cli.value(QStringLiteral("section")), outline, &error, &note))
+            return dataError(error);
+        if (!note.isEmpty()) warn(note);
     } else {
         outline = texts.first();
     }

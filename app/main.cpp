@@ -26,6 +26,10 @@ const char kUsage[] =
     "  face-steel CLASS THICKNESS          weight per square metre (kg/m2) of a face-steel plate\n"
     "  outline TEXT|--section SPEC [--svg FILE] [--json]\n"
     "                                      area, perimeter, box, centroid and moments of an outline\n"
+    "  member SPEC --length L [--project FILE --id N] [--step FILE] [--stl FILE] [--json]\n"
+    "                                      a member's solid, trimmed by its cutting planes\n"
+    "  cut-plane add --project FILE --id N (--head|--tail) --origin x,y,z --normal x,y,z\n"
+    "                                      a cutting plane of an element (normal towards the part kept)\n"
     "exit status: 0 done, 1 a database or project that cannot be used or a refused change, 2 usage\n";
 
 }  // namespace
@@ -46,6 +50,8 @@ int main(int argc, char** argv) {
         {QStringLiteral("user-section"), bxq::runUserSection},
         {QStringLiteral("face-steel"), bxq::runFaceSteel},
         {QStringLiteral("outline"), bxq::runOutline},
+        {QStringLiteral("member"), bxq::runMember},
+        {QStringLiteral("cut-plane"), bxq::runCutPlane},
     };
     const auto verb = verbs.find(arguments[1]);
     if (verb == verbs.end()) return bxq::usageError(QStringLiteral("unknown verb '%1' (try bxq --help)").arg(arguments[1]));

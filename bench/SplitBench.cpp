@@ -3,11 +3,21 @@
 // BM_RawSplits is the floor: the two keep-one-side operations of OpenCASCADE alone (a half-space
 // on a bounded face, then the common part). BM_KernelSplits is the same through the kernel's
 // CBooleanOperate with its four flags on (input check, non-destructive, unified result, parallel).
+// BM_ApplyCuttingPlanes is the library's whole trimming of an element: reading its two
+// "CuttingPlane" records from a project and cutting the member the solid shape hands out.
 #include "body_builder/SKRBodyBuilder.h"
 #include "ndp/NDPBody.h"
 #include "ndp/NDPBodyOcct.h"
 #include "ndp/NDPBooleanOperate.h"
+#include "ndp/NDPDBRecord.h"
+#include "ndp/NDPDBTable.h"
+#include "ndp/NDPDatabase.h"
 #include "ndp/NDPPlane.h"
+#include "solid_split/SKRSolidSplit.h"
+#include "vmp/VMPElementDrawObj.h"
+#include "vmp/VMPProjectModel.h"
+
+#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -109,5 +119,57 @@ void BM_KernelSplits(benchmark::State& state) {
     state.SetLabel("ms per member");
 }
 BENCHMARK(BM_KernelSplits)->Unit(benchmark::kMillisecond);
+
+// A solid shape that hands out new handles on one prebuilt member, so that building the member
+// is not timed (the raw splits above start from a built member too).
+class PrebuiltShape : public IVMPSolidShape {
+public:
+    explicit PrebuiltShape(const ndp::CBody* body) : m_body(body) {}
+    ndp::CBody* createBody() override { return m_body->Copy(); }
+
+private:
+    const ndp::CBody* m_body;
+};
+
+void addCuttingPlane(ndp::CDBTable* table, bool isTail, const ndp::CPlane& plane, const ndp::CVector3& localOrigin) {
+    ndp::CCoord3 local = plane.GetFrame();
+    local.origin = localOrigin;
+    ndp::CDBRecord* record = table->CreateRecord();
+    record->SetInt64(table->FindField(L"EDOID"), 1);
+    record->SetBool(table->FindField(L"IsTail"), isTail);
+    record->SetCoord3(table->FindField(L"LocalCoordinate"), local);
+    table->AddRecord(record);
+    record->Release();
+}
+
+void BM_ApplyCuttingPlanes(benchmark::State& state) {
+    QString error;
+    const BodyPtr body = member(error);
+    QTemporaryDir dir;
+    VMPProjectModel model;
+    if (!body || !model.open(dir.filePath("project.KDB"))) {
+        state.SkipWithError("no member or no project");
+        return;
+    }
+    // The head frame is the global frame, so the planes' frames are their own local coordinates;
+    // the tail plane's origin is the tail frame's origin.
+    ndp::CDBTable* table = model.getProjectDB()->GetTable(L"CuttingPlane");
+    addCuttingPlane(table, false, headPlane(), {0, 0, 0});
+    addCuttingPlane(table, true, tailPlane(), {0, 0, 0});
+    const VMPElementDrawObj element(1, &model, ndp::CCoord3(), kLength);
+    PrebuiltShape shape(body.get());
+    const double uncut = body->Volume();
+    for (auto _ : state) {
+        BodyPtr cut(skr::split::ApplyCuttingPlanes(element, shape));
+        if (!cut) state.SkipWithError("no body");
+        benchmark::DoNotOptimize(cut.get());
+        state.PauseTiming();
+        if (cut && !(cut->Volume() < uncut)) state.SkipWithError("the planes did not cut");
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("ms per member");
+}
+BENCHMARK(BM_ApplyCuttingPlanes)->Unit(benchmark::kMillisecond);
 
 }  // namespace

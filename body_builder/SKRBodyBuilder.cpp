@@ -7,10 +7,8 @@
 #include "ndp/NDPBodyOcct.h"
 #include "ndp/NDPPolygon.h"
 #include "ndp/NDPTolerance.h"
-#include "section_geometry/SKRSectionOutline.h"
-#include "section_geometry/SKRSectionParams.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
-#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_geometry/SKRSpecificationOutline.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAlgoAPI_Cut.hxx>
@@ -327,16 +325,8 @@ CBody* SKRBodyBuilder::ellipsoid(double a, double b, double c, const ndp::CCoord
 
 CBody* SKRBodyBuilder::memberFromSpecification(const QString& specification, double length, const ndp::CCoord3& frame,
                                                QString* error) {
-    SKRSectionPolyInfoParser parser;
-    parser.parser(specification);
-    const GSectionPolyInfo info = parser.sectionPolyInfo();
-    if (info.sectionType <= 0)
-        return refuse(error, QStringLiteral("\"%1\" is not a section specification").arg(specification));
-    QMap<QString, double> params;
     QString outline;
-    if (!geometry::sectionParamsByCode(info, params, error) ||
-        !geometry::sectionOutlineText(info.sectionType, params, outline, error))
-        return nullptr;
+    if (!geometry::specificationOutline(specification, outline, error)) return nullptr;
     const std::unique_ptr<ndp::CPolygon> section = geometry::ParseSectionPolygon(outline);
     if (!section) return refuse(error, QStringLiteral("the outline of \"%1\" gives no polygon").arg(specification));
 

@@ -63,7 +63,8 @@ public:
     // An ellipsoid centred on frame's origin with the semi-axes a, b, c along its X, Y and Z.
     static ndp::CBody* ellipsoid(double a, double b, double c, const ndp::CCoord3& frame, QString* error = nullptr);
 
-    // The member of a section specification text (H400*200*8*13, B300*10*12, ...): its outline,
+    // The member of a section specification text (H400*200*8*13, I20a, B300*10*12, ...): its
+    // outline (catalogue sections with their catalogue radii when the catalogue is registered),
     // with the centre of its bounding box on frame's Z axis, extruded by length along Z.
     static ndp::CBody* memberFromSpecification(const QString& specification, double length, const ndp::CCoord3& frame,
                                                QString* error = nullptr);

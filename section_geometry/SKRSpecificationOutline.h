@@ -1,0 +1,16 @@
+// The outline of a section specification text: a catalogue section with the radii of its
+// catalogue row (when the registered catalogue lists its name), any other section from the
+// dimensions its text gives.
+#pragma once
+
+#include <QString>
+
+namespace skr {
+namespace geometry {
+
+// False, with the reason, for a text that is no section or whose values make no outline. note
+// receives a remark when a rolled shape that only the catalogue gives radii is drawn without them.
+bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note = nullptr);
+
+}  // namespace geometry
+}  // namespace skr
