@@ -29,6 +29,15 @@ inline CVector3 Normalized(const CVector3& v) {
 // The angle between two vectors in radians, 0 to pi; pi/2 exactly for perpendicular ones.
 inline double AngleBetween(const CVector3& a, const CVector3& b) { return std::atan2(Length(Cross(a, b)), Dot(a, b)); }
 
+inline CoordinateSystem3 MakeFrame(const CVector3& origin, const CVector3& x, const CVector3& y, const CVector3& z) {
+    CoordinateSystem3 frame;
+    frame.origin = origin;
+    frame.xAxis = x;
+    frame.yAxis = y;
+    frame.zAxis = z;
+    return frame;
+}
+
 // A frame given relative to reference, expressed globally.
 inline CoordinateSystem3 ToGlobal(const CoordinateSystem3& local, const CoordinateSystem3& reference) {
     const auto map = [&reference](const CVector3& v) {

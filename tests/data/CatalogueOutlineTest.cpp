@@ -11,6 +11,8 @@
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "ShippedRepository.h"
+
 #include <gtest/gtest.h>
 
 #include <QSet>
@@ -49,23 +51,8 @@ void keepWorse(Deviation& worst, const QString& name, double value) {
     if (std::abs(value) >= std::abs(worst.value)) worst = {name, value};
 }
 
-class CatalogueOutline : public ::testing::Test {
+class CatalogueOutline : public ShippedRepositoryTest {
 protected:
-    static void SetUpTestSuite() {
-        qputenv("BXQ_DATA_DIR", BXQ_SHIPPED_DATA_DIR);
-        s_dir = new QTemporaryDir;
-        s_model = new VMPProjectModel;
-        ASSERT_TRUE(s_model->open(s_dir->filePath("project.KDB")));
-        skr::InitBXQSteelRepository(s_model);
-    }
-    static void TearDownTestSuite() {
-        delete FetchInstance<SectionRepository>();
-        skr::UninitBXQSteelRepository();
-        VMPNDDBManager::nddbMgr()->closeAll();
-        delete s_model;
-        delete s_dir;
-        qunsetenv("BXQ_DATA_DIR");
-    }
 
     static QVector<SKRHotRollingSection> rowsOf(int type) {
         auto* catalogue = FetchInstance<SKRHotRollingSectionDBProvider>();
@@ -91,12 +78,7 @@ protected:
         return true;
     }
 
-    static QTemporaryDir* s_dir;
-    static VMPProjectModel* s_model;
 };
-
-QTemporaryDir* CatalogueOutline::s_dir = nullptr;
-VMPProjectModel* CatalogueOutline::s_model = nullptr;
 
 }  // namespace
 

@@ -13,6 +13,8 @@
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "ShippedRepository.h"
+
 #include <gtest/gtest.h>
 
 #include <QRegularExpression>
@@ -41,23 +43,8 @@ double halfUnit(double value) {
     return 0.5 * std::pow(10.0, point < 0 ? 0 : -(text.size() - point - 1));
 }
 
-class ShippedDatabase : public ::testing::Test {
+class ShippedDatabase : public ShippedRepositoryTest {
 protected:
-    static void SetUpTestSuite() {
-        qputenv("BXQ_DATA_DIR", BXQ_SHIPPED_DATA_DIR);
-        s_dir = new QTemporaryDir;
-        s_model = new VMPProjectModel;
-        ASSERT_TRUE(s_model->open(s_dir->filePath("project.KDB")));
-        skr::InitBXQSteelRepository(s_model);
-    }
-    static void TearDownTestSuite() {
-        delete FetchInstance<SectionRepository>();
-        skr::UninitBXQSteelRepository();
-        VMPNDDBManager::nddbMgr()->closeAll();
-        delete s_model;
-        delete s_dir;
-        qunsetenv("BXQ_DATA_DIR");
-    }
     void SetUp() override {
         m_catalogue = FetchInstance<SKRHotRollingSectionDBProvider>();
         ASSERT_NE(m_catalogue, nullptr) << "the section database was not opened from " BXQ_SHIPPED_DATA_DIR;
@@ -74,12 +61,7 @@ protected:
     }
 
     SKRHotRollingSectionDBProvider* m_catalogue = nullptr;
-    static QTemporaryDir* s_dir;
-    static VMPProjectModel* s_model;
 };
-
-QTemporaryDir* ShippedDatabase::s_dir = nullptr;
-VMPProjectModel* ShippedDatabase::s_model = nullptr;
 
 }  // namespace
 

@@ -10,6 +10,8 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/CatalogueTables.h"
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -125,21 +127,8 @@ class HostileNameTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_db.Create(m_dir.filePath("sections.KDB")));
-        m_system = m_db.CreateTable(L"SectionPolyInfor", {{L"PolyID", EnDBFieldKind::Int32, true},
-                                                          {L"SubClassID", EnDBFieldKind::Int32, true},
-                                                          {L"StandardName", EnDBFieldKind::Text, true},
-                                                          {L"WeightMeter", EnDBFieldKind::Double},
-                                                          {L"AreaVal", EnDBFieldKind::Double},
-                                                          {L"h", EnDBFieldKind::Text},
-                                                          {L"b", EnDBFieldKind::Text},
-                                                          {L"d", EnDBFieldKind::Text},
-                                                          {L"t", EnDBFieldKind::Text}});
-        m_user = m_db.CreateTable(L"CustomHotRolledSection", {{L"SectionType", EnDBFieldKind::Int32, true},
-                                                              {L"SubID", EnDBFieldKind::Int32, true},
-                                                              {L"StandardName", EnDBFieldKind::Text, true},
-                                                              {L"WeightMeter", EnDBFieldKind::Double},
-                                                              {L"AreaVal", EnDBFieldKind::Double},
-                                                              {L"SectionParam", EnDBFieldKind::Text}});
+        m_system = m_db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
+        m_user = m_db.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields());
         ASSERT_TRUE(m_system && m_user);
         for (const auto& row : {std::make_pair(L"I20a", 27.929), std::make_pair(L"I20b", 31.069)}) {
             ndp::CDBRecord* record = m_system->CreateRecord();

@@ -8,6 +8,8 @@
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 
+#include "support/CatalogueTables.h"
+
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -23,21 +25,8 @@ class HotRollingProviderTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_db.Create(m_dir.filePath("sections.KDB")));
-        m_system = m_db.CreateTable(L"SectionPolyInfor", {{L"PolyID", EnDBFieldKind::Int32, true},
-                                                          {L"SubClassID", EnDBFieldKind::Int32, true},
-                                                          {L"StandardName", EnDBFieldKind::Text, true},
-                                                          {L"WeightMeter", EnDBFieldKind::Double},
-                                                          {L"AreaVal", EnDBFieldKind::Double},
-                                                          {L"h", EnDBFieldKind::Text},
-                                                          {L"b", EnDBFieldKind::Text},
-                                                          {L"d", EnDBFieldKind::Text},
-                                                          {L"t", EnDBFieldKind::Text}});
-        m_user = m_db.CreateTable(L"CustomHotRolledSection", {{L"SectionType", EnDBFieldKind::Int32, true},
-                                                              {L"SubID", EnDBFieldKind::Int32, true},
-                                                              {L"StandardName", EnDBFieldKind::Text, true},
-                                                              {L"WeightMeter", EnDBFieldKind::Double},
-                                                              {L"AreaVal", EnDBFieldKind::Double},
-                                                              {L"SectionParam", EnDBFieldKind::Text}});
+        m_system = m_db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
+        m_user = m_db.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields());
         ASSERT_TRUE(m_system && m_user);
         addSystem(1, 1, L"I20a", 27.9, 0.742, {L"200", L"100", L"7", L"11.4"});
         addSystem(1, 1, L"I20b", 31.1, 0.746, {L"200", L"102", L"9", L"11.4"});

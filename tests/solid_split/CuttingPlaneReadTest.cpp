@@ -16,14 +16,7 @@ using ndp::CoordinateSystem3;
 
 namespace {
 
-CoordinateSystem3 frame(ndp::CVector3 origin, ndp::CVector3 x, ndp::CVector3 y, ndp::CVector3 z) {
-    CoordinateSystem3 f;
-    f.origin = origin;
-    f.xAxis = x;
-    f.yAxis = y;
-    f.zAxis = z;
-    return f;
-}
+const auto frame = ndp::MakeFrame;
 
 void expectFrameNear(const CoordinateSystem3& actual, const CoordinateSystem3& expected) {
     for (int i = 0; i < 3; ++i) {

@@ -24,14 +24,7 @@ namespace {
 constexpr double kWidth = 100, kDepth = 200, kLength = 6000;
 constexpr double kVolume = kWidth * kDepth * kLength;
 
-CoordinateSystem3 frame(CVector3 origin, CVector3 x, CVector3 y, CVector3 z) {
-    CoordinateSystem3 f;
-    f.origin = origin;
-    f.xAxis = x;
-    f.yAxis = y;
-    f.zAxis = z;
-    return f;
-}
+const auto frame = ndp::MakeFrame;
 
 // A straight member whose head frame is given; its section is centred on the axis.
 class Member : public IVMPElementDrawObj, public IVMPSolidShape {
