@@ -19,12 +19,17 @@
 #include <QString>
 
 #include <algorithm>
+#include <memory>
 #include <cmath>
 
 namespace ndp {
 
 struct CBody::Data {
     TopoDS_Shape shape;
+    // The kernel's validity check, run once and shared by the copies of a body: bodies never
+    // change after they are made.
+    enum class Validity { Unknown, Valid, Invalid };
+    std::shared_ptr<Validity> validity = std::make_shared<Validity>(Validity::Unknown);
 };
 
 namespace {
@@ -114,7 +119,11 @@ CBody* CBody::CreateFace(const CPolygon& polygon, const CCoord3& frame, QString*
     return CBodyOcct::Create(face);
 }
 
-CBody* CBody::Copy() const { return CBodyOcct::Create(m_data->shape); }
+CBody* CBody::Copy() const {
+    CBody* copy = CBodyOcct::Create(m_data->shape);
+    copy->m_data->validity = m_data->validity;  // the same shape, so the same answer
+    return copy;
+}
 
 int CBody::SolidCount() const { return countOf(m_data->shape, TopAbs_SOLID); }
 
@@ -162,13 +171,20 @@ CBox3d CBody::BoundingBoxInPlane(const CPlane& plane) const {
 }
 
 bool CBody::IsValid() const {
-    if (m_data->shape.IsNull()) return false;
-    try {
-        return BRepCheck_Analyzer(m_data->shape).IsValid() == Standard_True;
-    } catch (const Standard_Failure&) {
-        return false;
+    Data::Validity& validity = *m_data->validity;
+    if (validity == Data::Validity::Unknown) {
+        bool valid = false;
+        try {
+            valid = !m_data->shape.IsNull() &&
+                    BRepCheck_Analyzer(m_data->shape, Standard_True, Standard_True).IsValid() == Standard_True;
+        } catch (const Standard_Failure&) {
+        }
+        validity = valid ? Data::Validity::Valid : Data::Validity::Invalid;
     }
+    return validity == Data::Validity::Valid;
 }
+
+void CBodyOcct::SetKnownValid(CBody& body) { *body.m_data->validity = CBody::Data::Validity::Valid; }
 
 CBody* CBodyOcct::Create(const TopoDS_Shape& shape) { return new CBody(new CBody::Data{unwrapped(shape)}); }
 

@@ -54,7 +54,8 @@ public:
     // The box of the geometry in plane's U, V, normal coordinates (see CPlane): min/max[0] along
     // U, [1] along V, [2] the signed distance from the plane.
     CBox3d BoundingBoxInPlane(const CPlane& plane) const;
-    // The kernel's own validity check of the geometry and its topology.
+    // The kernel's own validity check of the geometry and its topology, run once per shape (a
+    // copy of a body knows its answer).
     bool IsValid() const;
 
 private:

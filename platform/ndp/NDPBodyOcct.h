@@ -26,6 +26,9 @@ public:
     // A new body (reference count one) holding shape. A compound of exactly one solid is
     // unwrapped to that solid.
     static CBody* Create(const TopoDS_Shape& shape);
+    // Records that body passed the validity check, for a body made by a kernel operation whose
+    // result is valid whenever its input is (CBody::IsValid then answers without checking).
+    static void SetKnownValid(CBody& body);
     // The shape held by body.
     static const TopoDS_Shape& Shape(const CBody& body);
 

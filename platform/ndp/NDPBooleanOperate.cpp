@@ -10,7 +10,6 @@
 
 #include <BRepAlgoAPI_Common.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
-#include <BRepCheck_Analyzer.hxx>
 #include <BRepPrimAPI_MakeHalfSpace.hxx>
 #include <Standard_Failure.hxx>
 #include <TopExp_Explorer.hxx>
@@ -66,7 +65,7 @@ public:
         if (!body) return refuse(QStringLiteral("there is no body to split"));
         m_shape = CBodyOcct::Shape(*body);
         if (m_shape.IsNull() || solidCount(m_shape) == 0) return refuse(QStringLiteral("the body has no solid"));
-        if (m_checkInput && !BRepCheck_Analyzer(m_shape).IsValid())
+        if (m_checkInput && !body->IsValid())
             return refuse(QStringLiteral("the body is not a valid solid"));
         m_where.box = body->BoundingBoxInPlane(plane);
         if (m_where.box.IsEmpty()) return refuse(QStringLiteral("the body has no extent"));
@@ -90,6 +89,9 @@ public:
     }
 
     bool cutFace(TopoDS_Shape& out) { return common(m_face, out); }
+    // Whether the last common part was made without a warning from the kernel: the part of a
+    // valid body that such an operation leaves is itself valid and need not be checked again.
+    bool clean() const { return m_clean; }
 
 private:
     bool refuse(const QString& text) {
@@ -113,6 +115,7 @@ private:
             return refuse(QStringLiteral("the kernel could not split the body: ") +
                           QString::fromStdString(report.str()).simplified());
         }
+        m_clean = !op.HasWarnings();
         out = op.Shape();
         if (m_unifyResult && !out.IsNull()) {
             ShapeUpgrade_UnifySameDomain unify(out, Standard_True, Standard_True, Standard_False);
@@ -131,6 +134,7 @@ private:
     Placement m_where;
     TopoDS_Face m_face;
     double m_margin = 1.0;
+    bool m_clean = false;
     CPlane m_plane;
 };
 
@@ -166,7 +170,9 @@ CBody* CBooleanOperate::splitSide(const CPlane& plane, const CBody* body, bool p
         TopoDS_Shape part;
         if (!splitter.side(positiveSide, part)) return nullptr;
         if (solidCount(part) == 0) return nullptr;
-        return CBodyOcct::Create(part);
+        CBody* result = CBodyOcct::Create(part);
+        if (m_checkInput && splitter.clean()) CBodyOcct::SetKnownValid(*result);
+        return result;
     } catch (const Standard_Failure& failure) {
         m_lastError = failureText(failure);
     } catch (const std::exception& e) {
