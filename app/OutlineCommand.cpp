@@ -101,7 +101,9 @@ QString svgPath(const ndp::CPolygon& polygon) {
             }
             const auto* arc = static_cast<const ndp::CArc2d*>(curve);
             const QString radius = figure(arc->Radius());
-            const QString sweep = arc->IsCounterClockwise() ? QStringLiteral("1") : QStringLiteral("0");
+            // The picture's y axis points down, so a counter-clockwise arc of the outline is drawn
+            // clockwise on it: SVG's sweep flag 0.
+            const QString sweep = arc->IsCounterClockwise() ? QStringLiteral("0") : QStringLiteral("1");
             auto arcTo = [&](const ndp::CPoint2d& to, bool large) {
                 d += QStringLiteral("A %1 %1 0 %2 %3 %4 ").arg(radius, large ? QStringLiteral("1") : QStringLiteral("0"),
                                                              sweep, svgPoint(to));
@@ -126,7 +128,9 @@ QByteArray svgPicture(const ndp::CPolygon& polygon, const ndp::CSectionPropertie
     const double fontSize = 0.06 * size;
     const double x0 = p.box.Min().x - margin;
     const double y0 = -p.box.Max().y - margin;
-    const double viewWidth = width + 2 * margin;
+    const QString caption = QStringLiteral("A = %1 mm2").arg(figure(p.area));
+    const double captionWidth = 0.6 * fontSize * caption.size();  // sans-serif digits are about 0.55 em
+    const double viewWidth = std::max(width, captionWidth) + 2 * margin;
     const double viewHeight = height + 2 * margin + 2 * fontSize;
     QString svg;
     QTextStream s(&svg);
@@ -136,8 +140,7 @@ QByteArray svgPicture(const ndp::CPolygon& polygon, const ndp::CSectionPropertie
     s << "  <path d=\"" << svgPath(polygon) << "\" fill=\"#b8c7d9\" fill-rule=\"evenodd\" stroke=\"#1f3b5a\" "
       << "stroke-width=\"" << figure(0.004 * size) << "\"/>\n";
     s << "  <text x=\"" << figure(p.box.Min().x) << "\" y=\"" << figure(-p.box.Min().y + margin + fontSize)
-      << "\" font-family=\"sans-serif\" font-size=\"" << figure(fontSize) << "\">A = " << figure(p.area)
-      << " mm2</text>\n";
+      << "\" font-family=\"sans-serif\" font-size=\"" << figure(fontSize) << "\">" << caption << "</text>\n";
     s << "</svg>\n";
     s.flush();
     return svg.toUtf8();

@@ -150,8 +150,9 @@ TEST(BxqOutlineSvg, ThePictureHasTrueArcsFilledWithHolesCut) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString svg = QString::fromUtf8(file.readAll());
     EXPECT_TRUE(svg.startsWith(QStringLiteral("<svg xmlns=\"http://www.w3.org/2000/svg\"")));
-    EXPECT_EQ(svg.count(QRegularExpression(QStringLiteral("A 4.5 4.5 0 0 1 "))), 4);  // toes, counter-clockwise
-    EXPECT_EQ(svg.count(QRegularExpression(QStringLiteral("A 9 9 0 0 0 "))), 4);      // roots, clockwise
+    // The picture's y axis points down: counter-clockwise arcs of the outline are drawn with sweep 0.
+    EXPECT_EQ(svg.count(QRegularExpression(QStringLiteral("A 4.5 4.5 0 0 0 "))), 4);  // toes, counter-clockwise
+    EXPECT_EQ(svg.count(QRegularExpression(QStringLiteral("A 9 9 0 0 1 "))), 4);      // roots, clockwise
     EXPECT_TRUE(svg.contains(QStringLiteral("fill-rule=\"evenodd\"")));
     EXPECT_TRUE(svg.contains(QRegularExpression(QStringLiteral(">A = 3555.\\d+ mm2</text>")))) << svg.toStdString();
 
@@ -162,8 +163,8 @@ TEST(BxqOutlineSvg, ThePictureHasTrueArcsFilledWithHolesCut) {
     const QString tubeSvg = QString::fromUtf8(tubeFile.readAll());
     // Two loops of two half circles each; the hole runs the other way.
     EXPECT_EQ(tubeSvg.count(QStringLiteral(" Z")), 2);
-    EXPECT_EQ(tubeSvg.count(QStringLiteral("A 44.5 44.5 0 0 1 ")), 2);
-    EXPECT_EQ(tubeSvg.count(QStringLiteral("A 40.5 40.5 0 0 0 ")), 2);
+    EXPECT_EQ(tubeSvg.count(QStringLiteral("A 44.5 44.5 0 0 0 ")), 2);
+    EXPECT_EQ(tubeSvg.count(QStringLiteral("A 40.5 40.5 0 0 1 ")), 2);
 }
 
 TEST(BxqOutlineErrors, BadInputEndsWithOneLineAndItsExitStatus) {
