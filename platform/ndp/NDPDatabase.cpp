@@ -1,6 +1,8 @@
 // CDatabase on SQLite: schema kept in a field-definition table, writes in an open transaction.
 #include "ndp/NDPDatabase.h"
 
+#include "vmp/VMPCmdLogTool.h"
+
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPSqlText.h"
 
@@ -133,6 +135,8 @@ bool CDatabase::begin() {
 }
 
 void CDatabase::Close() {
+    // The command log records changes through a session on the connection, which must go first.
+    if (VMPCmdLogTool::getInstance()->database() == this) VMPCmdLogTool::getInstance()->setDatabase(nullptr);
     m_tables.clear();  // finalises the prepared statements first
     m_schema.clear();
     if (m_db) {
