@@ -21,6 +21,24 @@
     </message>
 </context>
 <context>
+    <name>SKRNumericValidator</name>
+    <message>
+        <source>请输入%1之间的实数, 如果是小数请保留%2位。</source>
+        <translation>Please enter a real number in %1, with at most %2 decimals.</translation>
+    </message>
+    <message>
+        <source>请输入%1之间的整数。</source>
+        <translation>Please enter an integer in %1.</translation>
+    </message>
+</context>
+<context>
+    <name>VMPMessageBox</name>
+    <message>
+        <source>提示</source>
+        <translation>Notice</translation>
+    </message>
+</context>
+<context>
     <name>SKRSysInfo</name>
     <message>
         <source>[%0]文件不存在</source>
