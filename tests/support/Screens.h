@@ -1,0 +1,14 @@
+// Pictures of widgets for people to look at: when BXQ_SCREENS_DIR is set, a test saves the widget
+// it drives as <name>.png there; otherwise nothing happens.
+#pragma once
+
+#include <QDir>
+#include <QPixmap>
+#include <QWidget>
+
+inline bool saveScreen(QWidget& widget, const QString& name) {
+    const QString dir = qEnvironmentVariable("BXQ_SCREENS_DIR");
+    if (dir.isEmpty()) return true;
+    QDir().mkpath(dir);
+    return widget.grab().save(QDir(dir).filePath(name + QStringLiteral(".png")));
+}
