@@ -240,15 +240,15 @@ private:
 
     void writeBallTypes(DatabaseFile& db) {
         const CsvTable csv = load(sourcePath("sections/ball_types.csv"),
-                                  {"BallID", "PolyID", "RibFlag", "BallName", "Expression", "CodeMsg"});
+                                  {"BallID", "PolyID", "RibFlag", "TypeName", "Expression", "CodeMsg"});
         ndp::CDBTable* table = db.createTable(
             "SectionBallType",
             {{L"BallID", EnDBFieldKind::Int32, true}, {L"PolyID", EnDBFieldKind::Int32, true},
-             {L"RibFlag", EnDBFieldKind::Int32},      {L"BallName", EnDBFieldKind::Text},
+             {L"RibFlag", EnDBFieldKind::Int32},      {L"TypeName", EnDBFieldKind::Text},
              {L"Expression", EnDBFieldKind::Text},    {L"CodeMsg", EnDBFieldKind::Text}});
         for (int row = 0; row < csv.rowCount(); ++row)
             db.addRow(table, {integerCell(csv, row, "BallID"), integerCell(csv, row, "PolyID"),
-                              integerCell(csv, row, "RibFlag"), textCell(csv, row, "BallName"),
+                              integerCell(csv, row, "RibFlag"), textCell(csv, row, "TypeName"),
                               textCell(csv, row, "Expression"), textCell(csv, row, "CodeMsg")});
         progress(QStringLiteral("SKRSectionPolyDB.KDB: SectionBallType, %1 rows").arg(csv.rowCount()));
     }

@@ -224,6 +224,7 @@ TEST_F(ShippedDatabase, BallFormsEvaluateTheirExpressionsOnTheirExamples) {
     for (int i = 0; i < all.GetCount(); ++i) {
         const VMPDBRecord row(table, all.GetItem(i));
         const QString expression = row.getString(QStringLiteral("Expression"), QString());
+        EXPECT_FALSE(row.getString(QStringLiteral("TypeName"), QString()).isEmpty());
         const int type = row.getInteger(QStringLiteral("PolyID"), -1);
         const QString text = type == 1012 ? QStringLiteral("BS100") : QStringLiteral("WS300*8");
         SKRSectionPolyInfoParser parser;
