@@ -1,0 +1,201 @@
+// The section dialog's parameter manager.
+#include "section_dialog/SKRPolyParamManger.h"
+
+#include "ndp/NDPTolerance.h"
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_geometry/SKRSectionParams.h"
+#include "section_spec/SKRScriptEvaluator.h"
+#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_spec/WeldSectionNormParser.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QRegularExpression>
+
+#include <cstring>
+#include <exception>
+
+using skr::section::SectionParam;
+using skr::section::SKRHotRollingSection;
+using skr::util::FetchInstance;
+
+namespace {
+
+// The written form of standard sections that are not looked up in the catalogue by their name
+// alone: the code and the values joined by "*", radii left out.
+QString standardCode(int sectionType) {
+    switch (sectionType) {
+    case stEqualAngle:
+    case stUnequalAngle: return QStringLiteral("L");
+    case stPipe:
+    case stRoundBar: return QStringLiteral("D");
+    case stCSection: return QStringLiteral("C");
+    case stZSection: return QStringLiteral("Z");
+    case stBoxTube: return QStringLiteral("□");
+    default: return QString();
+    }
+}
+
+bool isNormType(int sectionType) {
+    return SKRSectionPolyInfoParser::polyGroupType(sectionType) == sgWelded || sectionType == stBoltBall ||
+           sectionType == stWeldBall;
+}
+
+// A range rule of the parameter table as script: %1 the value, And/Or the logical operators.
+QString rangeScript(const QString& rule, const QString& value) {
+    QString script = rule;
+    script.replace(QRegularExpression(QStringLiteral("\\bAnd\\b")), QStringLiteral("&&"));
+    script.replace(QRegularExpression(QStringLiteral("\\bOr\\b")), QStringLiteral("||"));
+    script.replace(QStringLiteral("%1"), QStringLiteral("(") + value + QStringLiteral(")"));
+    return script;
+}
+
+QString dialogText(const char* text) { return QCoreApplication::translate("SKRSectionPolyDlg", text); }
+
+// The value of a type's insertion-point expression; 0 when it cannot be evaluated.
+double expressionValue(const QString& expression, const QMap<QString, double>& values) {
+    static const QString result = QStringLiteral("bxqInsertPointValue");
+    const auto evaluated = skr::section::SKRScriptEvaluator::evaluate(
+        values, QStringLiteral("var %1 = (%2); 0").arg(result, expression));
+    return evaluated.ok ? evaluated.newValues.value(result, 0.0) : 0.0;
+}
+
+}  // namespace
+
+SKRPolyParamManger::SKRPolyParamManger() = default;
+
+bool SKRPolyParamManger::setSectionType(int sectionType) {
+    auto* provider = FetchInstance<skr::section::SectionParamProvider>();
+    if (!provider) return false;
+    const std::vector<SectionParam> params = provider->paramsOf(sectionType);
+    if (params.empty()) return false;
+    m_iSectionType = sectionType;
+    m_oParams = QVector<SectionParam>(params.begin(), params.end());
+    m_oValues.clear();
+    for (const SectionParam& param : m_oParams) m_oValues << param.defVal;
+    m_bCatalogue = false;
+    m_oCatalogue = SKRHotRollingSection();
+    return true;
+}
+
+bool SKRPolyParamManger::setParamValue(int index, const QString& text) {
+    if (index < 0 || index >= m_oValues.size()) return false;
+    m_oValues[index] = text.trimmed();
+    m_bCatalogue = false;  // typed values make a parametric section of their own
+    return true;
+}
+
+bool SKRPolyParamManger::setCatalogueSection(const SKRHotRollingSection& row) {
+    if (!setSectionType(row.sectionType)) return false;
+    for (const auto& param : row.params)
+        for (int i = 0; i < m_oParams.size(); ++i)
+            if (m_oParams[i].paramCode == QString::fromStdWString(param.first) && param.second != 0)
+                m_oValues[i] = QString::number(param.second, 'g', 15);
+    m_bCatalogue = true;
+    m_oCatalogue = row;
+    return true;
+}
+
+bool SKRPolyParamManger::setSpecification(const QString& text) {
+    SKRSectionPolyInfoParser parser;
+    parser.parser(text);
+    const GSectionPolyInfo info = parser.sectionPolyInfo();
+    if (info.sectionType <= 0) return false;
+    try {
+        for (auto* provider : {static_cast<skr::section::SKRHotRollingSectionDBProvider*>(
+                                   FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()),
+                               FetchInstance<skr::section::SKRHotRollingSectionDBProvider>()}) {
+            if (!provider) continue;
+            const auto found = provider->findByName(info.name.toStdWString());
+            if (found.first) return setCatalogueSection(found.second);
+        }
+    } catch (const std::exception&) {
+    }
+    QMap<QString, double> values;
+    if (!skr::geometry::sectionParamsByCode(info, values) || !setSectionType(info.sectionType)) return false;
+    for (int i = 0; i < m_oParams.size(); ++i)
+        if (values.contains(m_oParams[i].paramCode))
+            m_oValues[i] = QString::number(values.value(m_oParams[i].paramCode), 'g', 15);
+    m_iRibFlag = info.typeCode == QLatin1String("WSR") ? 1 : 0;
+    return true;
+}
+
+QMap<QString, double> SKRPolyParamManger::numericValues() const {
+    QMap<QString, double> values;
+    for (int i = 0; i < m_oParams.size(); ++i) values.insert(m_oParams[i].paramCode, m_oValues[i].toDouble());
+    return values;
+}
+
+QString SKRPolyParamManger::specification() const {
+    if (m_bCatalogue) return QString::fromStdWString(m_oCatalogue.standardName).simplified();
+    if (isNormType(m_iSectionType)) {
+        QStringList pieces;
+        for (int i = 0; i < m_oParams.size(); ++i) pieces << m_oParams[i].paramCode + QLatin1Char('=') + m_oValues[i];
+        return SKRSectionPolyInfoParser::parseStandardName(m_iSectionType, m_iRibFlag, pieces.join(QLatin1Char(';')))
+            .simplified();
+    }
+    const QString code = standardCode(m_iSectionType);
+    if (code.isEmpty()) return QString();
+    QStringList dimensions;
+    for (int i = 0; i < m_oParams.size(); ++i)
+        if (m_oParams[i].paramCode != QLatin1String("r") && m_oParams[i].paramCode != QLatin1String("r1"))
+            dimensions << m_oValues[i];
+    return (code + dimensions.join(QLatin1Char('*'))).simplified();
+}
+
+qint64 SKRPolyParamManger::specificationKey() const {
+    if (m_bCatalogue)
+        return (static_cast<qint64>(m_oCatalogue.sectionType) << 32) | static_cast<quint32>(m_oCatalogue.subId);
+    const QString text = specification();
+    if (text.isEmpty()) return 0;
+    const QByteArray digest = QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha256);
+    qint64 key = 0;
+    std::memcpy(&key, digest.constData(), sizeof key);
+    return key;
+}
+
+QString SKRPolyParamManger::insertPoint() const {
+    auto* schemes = FetchInstance<skr::section::SectionSchemeProvider>();
+    const auto scheme = schemes ? schemes->findScheme(m_iSectionType) : std::make_pair(false, skr::section::SectionScheme());
+    if (!scheme.first) return QStringLiteral("0,0");
+    const QMap<QString, double> values = numericValues();
+    return QString::number(expressionValue(scheme.second.insPointX, values), 'g', 15) + QLatin1Char(',') +
+           QString::number(expressionValue(scheme.second.insPointY, values), 'g', 15);
+}
+
+bool SKRPolyParamManger::checkParams(QString* message, int* index) const {
+    const auto fail = [message, index](const QString& text, int at) {
+        if (message) *message = text;
+        if (index) *index = at;
+        return false;
+    };
+    if (index) *index = -1;
+    if (m_bCatalogue) return true;
+    if (m_oParams.isEmpty()) return fail(dialogText("截面规格输入错误，请重新输入截面信息"), -1);
+    for (int i = 0; i < m_oParams.size(); ++i) {
+        bool number = false;
+        m_oValues[i].toDouble(&number);
+        const QString rule = m_oParams[i].validExpr;
+        if (!number || (!rule.isEmpty() && !skr::section::SKRScriptEvaluator::checkRules(
+                                               {}, {rangeScript(rule, m_oValues[i])})))
+            return fail(m_oParams[i].invalidMsg.isEmpty() ? dialogText("截面规格输入错误，请重新输入截面信息")
+                                                          : m_oParams[i].invalidMsg,
+                        i);
+    }
+    if (!isNormType(m_iSectionType)) return true;
+    const QMap<QString, double> values = numericValues();
+    if (values.contains(QStringLiteral("h1")) && values.contains(QStringLiteral("h2")) &&
+        !(values.value(QStringLiteral("h1")) > values.value(QStringLiteral("h2")) + ndp::g_DistEpsilon)) {
+        int at = -1;
+        for (int i = 0; i < m_oParams.size(); ++i)
+            if (m_oParams[i].paramCode == QLatin1String("h1")) at = i;
+        return fail(dialogText("截面规格输入错误，h1必须大于h2"), at);
+    }
+    // The rules of the type's norm, on the values as they are (every parameter is present here).
+    for (const skr::section::SectionNormEntry& entry : skr::section::WeldSectionNormParser::weldedNorms())
+        if (entry.sectionType == m_iSectionType)
+            return skr::section::SKRScriptEvaluator::checkRules(values, entry.rules)
+                       ? true
+                       : fail(dialogText("截面规格输入错误，请重新输入截面信息"), -1);
+    return true;
+}
