@@ -1,6 +1,8 @@
 // The section dialog's parameter manager.
 #include "section_dialog/SKRPolyParamManger.h"
 
+#include "section_dialog/SKRRangeRule.h"
+
 #include "ndp/NDPTolerance.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_geometry/SKRSectionParams.h"
@@ -39,15 +41,6 @@ QString standardCode(int sectionType) {
 bool isNormType(int sectionType) {
     return SKRSectionPolyInfoParser::polyGroupType(sectionType) == sgWelded || sectionType == stBoltBall ||
            sectionType == stWeldBall;
-}
-
-// A range rule of the parameter table as script: %1 the value, And/Or the logical operators.
-QString rangeScript(const QString& rule, const QString& value) {
-    QString script = rule;
-    script.replace(QRegularExpression(QStringLiteral("\\bAnd\\b")), QStringLiteral("&&"));
-    script.replace(QRegularExpression(QStringLiteral("\\bOr\\b")), QStringLiteral("||"));
-    script.replace(QStringLiteral("%1"), QStringLiteral("(") + value + QStringLiteral(")"));
-    return script;
 }
 
 QString dialogText(const char* text) { return QCoreApplication::translate("SKRSectionPolyDlg", text); }
@@ -177,7 +170,7 @@ bool SKRPolyParamManger::checkParams(QString* message, int* index) const {
         m_oValues[i].toDouble(&number);
         const QString rule = m_oParams[i].validExpr;
         if (!number || (!rule.isEmpty() && !skr::section::SKRScriptEvaluator::checkRules(
-                                               {}, {rangeScript(rule, m_oValues[i])})))
+                                               {}, {rangeRuleScript(rule, m_oValues[i])})))
             return fail(m_oParams[i].invalidMsg.isEmpty() ? dialogText("截面规格输入错误，请重新输入截面信息")
                                                           : m_oParams[i].invalidMsg,
                         i);

@@ -1,6 +1,8 @@
 // The dialog of user hot-rolled sections.
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 
+#include "section_dialog/SKRRangeRule.h"
+
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionSchemeProvider.h"
 #include "section_spec/HotRollingSectionNormParser.h"
@@ -34,10 +36,7 @@ skr::section::SectionNormEntry sizeNorm(int sectionType) {
             if (param.paramCode == QLatin1String("r") || param.paramCode == QLatin1String("r1")) continue;
             names << param.paramCode;
             if (param.validExpr.isEmpty()) continue;
-            QString rule = param.validExpr;
-            rule.replace(QRegularExpression(QStringLiteral("\\bAnd\\b")), QStringLiteral("&&"));
-            rule.replace(QRegularExpression(QStringLiteral("\\bOr\\b")), QStringLiteral("||"));
-            rules << rule.replace(QStringLiteral("%1"), param.paramCode);
+            rules << rangeRuleScript(param.validExpr, param.paramCode);
         }
     }
     return skr::section::HotRollingSectionNormParser::starSeparatedNorm(

@@ -1,6 +1,8 @@
 // The face-steel catalogue loaded from a system database, and the quantity query's rules.
 #include "face_steel/BXQFaceSteelData.h"
 
+#include "FaceSteelTable.h"
+
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
@@ -21,14 +23,12 @@ protected:
         qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
         ndp::CDatabase db;
         ASSERT_TRUE(db.Create(m_dir.filePath("SysInfo.KDB")));
-        ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
-                                                                 {L"Thickness", EnDBFieldKind::Double},
-                                                                 {L"Weight", EnDBFieldKind::Double}});
-        add(table, 1, 20.0, 157.0);
-        add(table, 1, 20.0, 999.0);  // a second row of the same plate: the first read wins
-        add(table, 1, 4.5, 35.325);
-        add(table, 3, 2.5, 21.6);
-        add(table, 9, 1.0, 1.0);  // a class without a name is kept but never matched
+        ndp::CDBTable* table = createFaceSteelTable(db);
+        addPlate(table, 1, 20.0, 157.0);
+        addPlate(table, 1, 20.0, 999.0);  // a second row of the same plate: the first read wins
+        addPlate(table, 1, 4.5, 35.325);
+        addPlate(table, 3, 2.5, 21.6);
+        addPlate(table, 9, 1.0, 1.0);  // a class without a name is kept but never matched
         ndp::CDBRecord* noClass = table->CreateRecord();
         noClass->SetDouble(1, 6.0);
         noClass->SetDouble(2, 47.1);
@@ -41,14 +41,6 @@ protected:
         qunsetenv("BXQ_DATA_DIR");
         BXQFaceSteelData::m_oClassName.clear();
         BXQFaceSteelData::m_oData.clear();
-    }
-    static void add(ndp::CDBTable* table, int cls, double thickness, double weight) {
-        ndp::CDBRecord* record = table->CreateRecord();
-        record->SetInt(0, cls);
-        record->SetDouble(1, thickness);
-        record->SetDouble(2, weight);
-        table->AddRecord(record);
-        record->Release();
     }
     QTemporaryDir m_dir;
 };

@@ -3,6 +3,8 @@
 // 6-digit thickness that is both shown and returned.
 #include "face_steel/BXQFaceSteelDialog.h"
 
+#include "FaceSteelTable.h"
+
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
@@ -28,19 +30,11 @@ protected:
         qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
         ndp::CDatabase db;
         ASSERT_TRUE(db.Create(m_dir.filePath("SysInfo.KDB")));
-        ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
-                                                                 {L"Thickness", EnDBFieldKind::Double},
-                                                                 {L"Weight", EnDBFieldKind::Double}});
+        ndp::CDBTable* table = createFaceSteelTable(db);
         for (const auto& row : {std::make_tuple(1, 20.0, 157.0), std::make_tuple(1, 4.5, 35.325),
                                 std::make_tuple(2, 2.0, 15.7), std::make_tuple(2, 3.0, 23.55),
-                                std::make_tuple(2, 2.3456789, 18.4136), std::make_tuple(2, 3.0, 99.0)}) {
-            ndp::CDBRecord* record = table->CreateRecord();
-            record->SetInt(0, std::get<0>(row));
-            record->SetDouble(1, std::get<1>(row));
-            record->SetDouble(2, std::get<2>(row));
-            table->AddRecord(record);
-            record->Release();
-        }
+                                std::make_tuple(2, 2.3456789, 18.4136), std::make_tuple(2, 3.0, 99.0)})
+            addPlate(table, std::get<0>(row), std::get<1>(row), std::get<2>(row));
         ASSERT_TRUE(db.Flush());
         VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
             m_boxes << box;
