@@ -12,7 +12,6 @@
 
 #include <QTemporaryDir>
 
-using ndp::EnDBFieldKind;
 
 namespace {
 

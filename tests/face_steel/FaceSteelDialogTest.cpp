@@ -19,7 +19,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using ndp::EnDBFieldKind;
 
 namespace {
 
