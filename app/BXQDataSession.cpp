@@ -6,6 +6,7 @@
 #include "section_data/SectionRepository.h"
 
 #include "ndp/NDPDBRecord.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 #include "vmp/IVMPModel.h"
@@ -50,24 +51,12 @@ private:
 };
 QString* WarningCapture::s_last = nullptr;
 
-QString missingFileMessage(const QString& path) {
-    return QCoreApplication::translate("SKRSysInfo", "[%0]文件不存在").arg(path, 0, QLatin1Char(' '));
-}
-
 QString unreadableMessage(const QString& path, const QString& reason) {
     QString why = reason.isEmpty() ? QStringLiteral("not a database of this program") : reason;
     const QString namedFile = QStringLiteral(" (%1)").arg(path);  // the platform's reasons end so
     if (why.endsWith(namedFile)) why.chop(namedFile.size());
     return QStringLiteral("cannot open %1: %2").arg(path, why);
 }
-
-// Releases a record however the reading of it ends.
-struct RecordRef {
-    ndp::CDBRecord* record;
-    ~RecordRef() {
-        if (record) record->Release();
-    }
-};
 
 }  // namespace
 
@@ -129,7 +118,7 @@ bool BXQDataSession::openCatalogue(QString* error) {
 ndp::CDatabase* BXQDataSession::openSystemDatabase(const QString& fileName, QString* error) {
     const QString path = dataFilePath(fileName);
     if (!VMPAppInfo::gAppInfo()->fileExists(path)) {
-        *error = missingFileMessage(path);
+        *error = SKRSectionPolyDBManager::missingFileMessage(path);
         return nullptr;
     }
     WarningCapture warnings;
@@ -166,8 +155,8 @@ std::vector<skr::section::SKRHotRollingSection> BXQDataSession::allSections(
     ndp::CFileAddressList all;
     if (!table || !reader || !table->ListAll(all)) return sections;
     for (int i = 0; i < all.GetCount(); ++i) {
-        RecordRef ref{table->GetRecord(all.GetItem(i))};
-        if (ref.record) sections.push_back(reader->fromRecord(ref.record));
+        ndp::CRef<ndp::CDBRecord> ref(table->GetRecord(all.GetItem(i)));
+        if (ref.get()) sections.push_back(reader->fromRecord(ref.get()));
     }
     return sections;
 }

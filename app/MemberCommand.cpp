@@ -14,6 +14,7 @@
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPMeshParameter.h"
 #include "ndp/NDPPlane.h"
+#include "ndp/NDPRef.h"
 #include "vmp/VMPElementDrawObj.h"
 
 #include <QJsonArray>
@@ -100,12 +101,9 @@ int runMember(const QStringList& arguments) {
     skr::body::SKRMemberSolidShape shape(cli.positionalArguments().first(), length, head);
     IVMPModel* model = withProject ? session.model() : nullptr;
     const VMPElementDrawObj element(id, model, head, length);
-    ndp::CBody* body = withProject ? skr::split::ApplyCuttingPlanes(element, shape) : shape.createBody();
+    const ndp::CRef<ndp::CBody> held(withProject ? skr::split::ApplyCuttingPlanes(element, shape) : shape.createBody());
+    ndp::CBody* body = held.get();
     if (!body) return dataError(shape.lastError());
-    struct Releaser {
-        ndp::CBody* body;
-        ~Releaser() { body->Release(); }
-    } releaser{body};
 
     if (cli.isSet(QStringLiteral("step")) && !ndp::ExportBodyStep(body, cli.value(QStringLiteral("step")), &error))
         return dataError(error);

@@ -7,6 +7,7 @@
 // "CuttingPlane" records from a project and cutting the member the solid shape hands out.
 #include "body_builder/SKRBodyBuilder.h"
 #include "ndp/NDPBody.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPBodyOcct.h"
 #include "ndp/NDPBooleanOperate.h"
 #include "ndp/NDPDBRecord.h"
@@ -40,12 +41,7 @@ using ndp::operator*;
 constexpr double kLength = 6000.0;
 constexpr double kPi = 3.14159265358979323846;
 
-struct Releaser {
-    void operator()(ndp::CBody* body) const {
-        if (body) body->Release();
-    }
-};
-using BodyPtr = std::unique_ptr<ndp::CBody, Releaser>;
+using BodyPtr = ndp::CRef<ndp::CBody>;
 
 BodyPtr member(QString& error) {
     return BodyPtr(skr::body::SKRBodyBuilder::memberFromSpecification(QStringLiteral("HN400*200*8*13"), kLength,

@@ -2,6 +2,7 @@
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include "ndp/NDPDBRecord.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPDBTable.h"
 
 #include <QLocale>
@@ -19,14 +20,6 @@ namespace {
 
 const char kInvalidQuery[] = "Invalid Query String!";
 const char kInvalidField[] = "Invalid Field Name!";
-
-// Releases a record however the reading of it ends.
-struct RecordRef {
-    ndp::CDBRecord* record;
-    ~RecordRef() {
-        if (record) record->Release();
-    }
-};
 
 int fieldIndex(ndp::CDBTable* table, const std::wstring& name) {
     const int index = table->FindField(name);
@@ -113,9 +106,9 @@ SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByName(const std::wstrin
     ndp::CFileAddressList found;
     if (!m_pTable->Query(sameStringQuery(name), found) || found.GetCount() == 0)
         return {false, SKRHotRollingSection()};
-    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
-    if (!ref.record) return {false, SKRHotRollingSection()};
-    return {true, fromRecord(ref.record)};
+    ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
+    if (!ref.get()) return {false, SKRHotRollingSection()};
+    return {true, fromRecord(ref.get())};
 }
 
 std::wstring SKRHotRollingSectionDBProvider::sameStringQuery(const std::wstring& name) const {
@@ -140,9 +133,9 @@ SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByKeys(int sectionType, 
     ndp::CFileAddressList found;
     if (!m_pTable->Query(query, found)) throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return {false, SKRHotRollingSection()};
-    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
-    if (!ref.record) return {false, SKRHotRollingSection()};
-    const SKRHotRollingSection section = fromRecord(ref.record);
+    ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
+    if (!ref.get()) return {false, SKRHotRollingSection()};
+    const SKRHotRollingSection section = fromRecord(ref.get());
     m_pCache->emplace(query, section);
     return {true, section};
 }
@@ -153,8 +146,8 @@ std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::listByType(int
     ndp::CFileAddressList found;
     m_pTable->Search(fieldIndex(m_pTable, m_firstKeyField), sectionType, found);
     for (int i = 0; i < found.GetCount(); ++i) {
-        RecordRef ref{m_pTable->GetRecord(found.GetItem(i))};
-        if (ref.record) sections.push_back(fromRecord(ref.record));
+        ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(i)));
+        if (ref.get()) sections.push_back(fromRecord(ref.get()));
     }
     return sections;
 }
@@ -183,14 +176,14 @@ bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& 
     if (!m_pTable || findByName(section.standardName).first) return false;
     std::wstring params;
     for (const auto& param : section.params) params += param.first + L"=" + shortest(param.second) + L";";
-    RecordRef ref{m_pTable->CreateRecord()};
-    ref.record->SetInt(fieldIndex(m_pTable, m_firstKeyField), section.sectionType);
-    ref.record->SetInt(fieldIndex(m_pTable, m_secondKeyField), section.subId);
-    ref.record->SetString(fieldIndex(m_pTable, m_nameField), section.standardName);
-    ref.record->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
-    ref.record->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
-    ref.record->SetString(fieldIndex(m_pTable, L"SectionParam"), params);
-    return m_pTable->AddRecord(ref.record) != ndp::kNullAddress;
+    ndp::CRef<ndp::CDBRecord> ref(m_pTable->CreateRecord());
+    ref.get()->SetInt(fieldIndex(m_pTable, m_firstKeyField), section.sectionType);
+    ref.get()->SetInt(fieldIndex(m_pTable, m_secondKeyField), section.subId);
+    ref.get()->SetString(fieldIndex(m_pTable, m_nameField), section.standardName);
+    ref.get()->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
+    ref.get()->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
+    ref.get()->SetString(fieldIndex(m_pTable, L"SectionParam"), params);
+    return m_pTable->AddRecord(ref.get()) != ndp::kNullAddress;
 }
 
 bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSection& section) {
@@ -199,11 +192,11 @@ bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSectio
     if (!m_pTable->Query(sameStringQuery(section.standardName), found))
         throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return false;  // nothing of that name to update
-    RecordRef ref{m_pTable->GetRecord(found.GetItem(0))};
-    if (!ref.record) return false;
-    ref.record->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
-    ref.record->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
-    return m_pTable->ModifyRecord(ref.record);
+    ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
+    if (!ref.get()) return false;
+    ref.get()->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
+    ref.get()->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
+    return m_pTable->ModifyRecord(ref.get());
 }
 
 bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subId) {

@@ -7,11 +7,10 @@
 
 namespace skr {
 namespace section {
-namespace {
 
 // User sections shadow system sections of the same name. A provider that is absent, or a row
 // that cannot be read, finds nothing: the host asks this for quantities and must not fail.
-SKRHotRollingLookup lookUp(const QString& norm) {
+SKRHotRollingLookup SKRPerMetreLookup::findSection(const QString& norm) {
     const std::wstring name = norm.toStdWString();
     try {
         if (auto* user = util::FetchInstance<SKRUserHotRollingSectionDBProvider>()) {
@@ -24,15 +23,13 @@ SKRHotRollingLookup lookUp(const QString& norm) {
     return {false, SKRHotRollingSection()};
 }
 
-}  // namespace
-
 double SKRPerMetreLookup::weightPerMetre(const QString& norm) {
-    const SKRHotRollingLookup found = lookUp(norm);
+    const SKRHotRollingLookup found = findSection(norm);
     return found.first ? found.second.weightMeter : 0.0;
 }
 
 double SKRPerMetreLookup::surfacePerMetre(const QString& norm) {
-    const SKRHotRollingLookup found = lookUp(norm);
+    const SKRHotRollingLookup found = findSection(norm);
     return found.first ? found.second.area : 0.0;
 }
 

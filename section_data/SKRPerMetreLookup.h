@@ -2,6 +2,8 @@
 // sections first, then the shipped catalogue; 0 when neither has it.
 #pragma once
 
+#include "section_data/SKRHotRollingSection.h"
+
 #include <QString>
 
 namespace skr {
@@ -11,6 +13,9 @@ class SKRPerMetreLookup {
 public:
     static double weightPerMetre(const QString& norm);   // kg/m
     static double surfacePerMetre(const QString& norm);  // m2/m
+    // The catalogue row of that exact name: a user section first, then a shipped one; not found
+    // when neither has it, a provider is absent or the row cannot be read.
+    static SKRHotRollingLookup findSection(const QString& norm);
 };
 
 }  // namespace section

@@ -2,6 +2,7 @@
 #include "section_data/SKRSectionDbOperation.h"
 
 #include "ndp/NDPDBRecord.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPPolygon.h"
@@ -16,14 +17,6 @@ namespace {
 const char kCannotAccept[] = "cannot accept:DB is nullptr ;CustomPoly doesn't exist;CustomPolyType doesn't exist";
 const char kInvalidQuery[] = "Invalid Query String!";
 const char kInvalidField[] = "Invalid Field Name!";
-
-// Releases a record however the work on it ends.
-struct RecordRef {
-    ndp::CDBRecord* record;
-    ~RecordRef() {
-        if (record) record->Release();
-    }
-};
 
 int fieldIndex(ndp::CDBTable* table, const wchar_t* name) {
     const int index = table->FindField(name);
@@ -61,8 +54,8 @@ int SKRSectionDbOperation::nextId(ndp::CDBTable* table) const {
     ndp::CFileAddressList all;
     int last = 0;
     if (table->ListAll(all) && all.GetCount() > 0) {
-        RecordRef ref{table->GetRecord(all.GetItem(all.GetCount() - 1))};
-        last = ref.record ? ref.record->GetInt(fieldIndex(table, L"ID"), -1) : -1;
+        ndp::CRef<ndp::CDBRecord> ref(table->GetRecord(all.GetItem(all.GetCount() - 1)));
+        last = ref.get() ? ref.get()->GetInt(fieldIndex(table, L"ID"), -1) : -1;
     }
     return last + 1;
 }
@@ -72,22 +65,22 @@ bool SKRSectionDbOperation::addCustomPoly(SKRCustomPolyInfo& info) {
     const int typeId = nextId(m_pCustomPolyType);
     bool written;
     {
-        RecordRef type{m_pCustomPolyType->CreateRecord()};
-        type.record->SetInt(fieldIndex(m_pCustomPolyType, L"ID"), typeId);
-        type.record->SetString(fieldIndex(m_pCustomPolyType, L"Description"), customSectionTypeText().toStdWString());
-        written = m_pCustomPolyType->AddRecord(type.record) != ndp::kNullAddress;
+        ndp::CRef<ndp::CDBRecord> type(m_pCustomPolyType->CreateRecord());
+        type.get()->SetInt(fieldIndex(m_pCustomPolyType, L"ID"), typeId);
+        type.get()->SetString(fieldIndex(m_pCustomPolyType, L"Description"), customSectionTypeText().toStdWString());
+        written = m_pCustomPolyType->AddRecord(type.get()) != ndp::kNullAddress;
     }
     written = m_pDatabase->Flush() && written;
 
     info.id = nextId(m_pCustomPoly);
     info.description = customSectionText() + QString::number(info.id);
 
-    RecordRef poly{m_pCustomPoly->CreateRecord()};
-    poly.record->SetInt(fieldIndex(m_pCustomPoly, L"ID"), info.id);
-    poly.record->SetInt(fieldIndex(m_pCustomPoly, L"CustomPolyTypeID"), typeId);
-    writeEditableFields(m_pCustomPoly, poly.record, info);
-    poly.record->SetString(fieldIndex(m_pCustomPoly, L"TypeName"), customSectionTypeText().toStdWString());
-    written = m_pCustomPoly->AddRecord(poly.record) != ndp::kNullAddress && written;
+    ndp::CRef<ndp::CDBRecord> poly(m_pCustomPoly->CreateRecord());
+    poly.get()->SetInt(fieldIndex(m_pCustomPoly, L"ID"), info.id);
+    poly.get()->SetInt(fieldIndex(m_pCustomPoly, L"CustomPolyTypeID"), typeId);
+    writeEditableFields(m_pCustomPoly, poly.get(), info);
+    poly.get()->SetString(fieldIndex(m_pCustomPoly, L"TypeName"), customSectionTypeText().toStdWString());
+    written = m_pCustomPoly->AddRecord(poly.get()) != ndp::kNullAddress && written;
     return m_pDatabase->Flush() && written;
 }
 
@@ -95,10 +88,10 @@ bool SKRSectionDbOperation::updateCustomPoly(const SKRCustomPolyInfo& info) {
     ndp::CFileAddressList found;
     if (!m_pCustomPoly->Query(idQuery(info.id), found)) throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return false;
-    RecordRef ref{m_pCustomPoly->GetRecord(found.GetItem(0))};
-    if (!ref.record) return false;
-    writeEditableFields(m_pCustomPoly, ref.record, info);
-    const bool modified = m_pCustomPoly->ModifyRecord(ref.record);
+    ndp::CRef<ndp::CDBRecord> ref(m_pCustomPoly->GetRecord(found.GetItem(0)));
+    if (!ref.get()) return false;
+    writeEditableFields(m_pCustomPoly, ref.get(), info);
+    const bool modified = m_pCustomPoly->ModifyRecord(ref.get());
     return m_pDatabase->Flush() && modified;
 }
 
@@ -123,12 +116,12 @@ bool SKRSectionDbOperation::readById(int id, bool withDrawing, SKRCustomPolyInfo
                                      QString* error) {
     ndp::CFileAddressList found;
     if (!m_pCustomPoly->Query(idQuery(id), found)) throw std::invalid_argument(kInvalidQuery);
-    RecordRef ref{found.GetCount() > 0 ? m_pCustomPoly->GetRecord(found.GetItem(0)) : nullptr};
-    if (!ref.record) {
+    ndp::CRef<ndp::CDBRecord> ref(found.GetCount() > 0 ? m_pCustomPoly->GetRecord(found.GetItem(0)) : nullptr);
+    if (!ref.get()) {
         if (error) *error = QStringLiteral("no custom polygon with ID %1").arg(id);
         return false;
     }
-    ndp::CDBRecord* record = ref.record;
+    ndp::CDBRecord* record = ref.get();
 
     ndp::CPolygon outline;
     const int polyData = fieldIndex(m_pCustomPoly, L"PolyData");

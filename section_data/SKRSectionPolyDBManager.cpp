@@ -36,9 +36,12 @@ void SKRSectionPolyDBManager::initDB() {
     if (m_pDatabase) return;
     const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + QLatin1String(kSectionPolyDBName);
     if (!VMPAppInfo::gAppInfo()->fileExists(path))
-        throw VMPModelException(
-            QCoreApplication::translate("SKRSysInfo", "[%0]文件不存在").arg(path, 0, QLatin1Char(' ')));
+        throw VMPModelException(missingFileMessage(path));
     m_pDatabase = VMPNDDBManager::nddbMgr()->getNDDB(QLatin1String(kSectionPolyDBName), false);
+}
+
+QString SKRSectionPolyDBManager::missingFileMessage(const QString& path) {
+    return QCoreApplication::translate("SKRSysInfo", "[%0]文件不存在").arg(path, 0, QLatin1Char(' '));
 }
 
 void SKRSectionPolyDBManager::closeDB() {

@@ -3,6 +3,8 @@
 
 #include "plugin/BXQExtendGlobal.h"
 
+#include <QString>
+
 namespace ndp {
 class CDatabase;
 }
@@ -15,6 +17,8 @@ public:
     // Deletes the manager; the database it opened stays open with the database manager.
     static void freeInstance();
     ndp::CDatabase* sectionPolyDB();
+    // The translated "[path]文件不存在" of a missing data file.
+    static QString missingFileMessage(const QString& path);
 
 private:
     SKRSectionPolyDBManager();

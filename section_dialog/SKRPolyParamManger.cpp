@@ -4,7 +4,7 @@
 #include "section_dialog/SKRRangeRule.h"
 
 #include "ndp/NDPTolerance.h"
-#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRPerMetreLookup.h"
 #include "section_geometry/SKRSectionParams.h"
 #include "section_spec/SKRScriptEvaluator.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
@@ -15,7 +15,6 @@
 #include <QRegularExpression>
 
 #include <cstring>
-#include <exception>
 
 using skr::section::SectionParam;
 using skr::section::SKRHotRollingSection;
@@ -94,16 +93,8 @@ bool SKRPolyParamManger::setSpecification(const QString& text) {
     parser.parser(text);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
     if (info.sectionType <= 0) return false;
-    try {
-        for (auto* provider : {static_cast<skr::section::SKRHotRollingSectionDBProvider*>(
-                                   FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()),
-                               FetchInstance<skr::section::SKRHotRollingSectionDBProvider>()}) {
-            if (!provider) continue;
-            const auto found = provider->findByName(info.name.toStdWString());
-            if (found.first) return setCatalogueSection(found.second);
-        }
-    } catch (const std::exception&) {
-    }
+    const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name);
+    if (row.first) return setCatalogueSection(row.second);
     QMap<QString, double> values;
     if (!skr::geometry::sectionParamsByCode(info, values) || !setSectionType(info.sectionType)) return false;
     for (int i = 0; i < m_oParams.size(); ++i)

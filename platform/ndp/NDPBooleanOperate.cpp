@@ -144,6 +144,19 @@ QString failureText(const Standard_Failure& failure) {
            (message && *message ? QStringLiteral(" ") + QString::fromUtf8(message) : QString());
 }
 
+// Why the exception being handled stopped a split.
+QString currentFailureText() {
+    try {
+        throw;
+    } catch (const Standard_Failure& failure) {
+        return failureText(failure);
+    } catch (const std::exception& e) {
+        return QStringLiteral("splitting failed: ") + QString::fromLocal8Bit(e.what());
+    } catch (...) {
+        return QStringLiteral("splitting failed");
+    }
+}
+
 }  // namespace
 
 CBooleanOperate::CBooleanOperate(bool checkInput, bool nonDestructive, bool unifyResult, bool runParallel)
@@ -173,12 +186,8 @@ CBody* CBooleanOperate::splitSide(const CPlane& plane, const CBody* body, bool p
         CBody* result = CBodyOcct::Create(part);
         if (m_checkInput && splitter.clean()) CBodyOcct::SetKnownValid(*result);
         return result;
-    } catch (const Standard_Failure& failure) {
-        m_lastError = failureText(failure);
-    } catch (const std::exception& e) {
-        m_lastError = QStringLiteral("splitting failed: ") + QString::fromLocal8Bit(e.what());
     } catch (...) {
-        m_lastError = QStringLiteral("splitting failed");
+        m_lastError = currentFailureText();
     }
     return nullptr;
 }
@@ -208,12 +217,8 @@ bool CBooleanOperate::SplitBody(const CPlane& plane, const CBody* body, CBody*& 
         }
         if (!facePart.IsNull() && faceCount(facePart) > 0) cutFace = CBodyOcct::Create(facePart);
         return true;
-    } catch (const Standard_Failure& failure) {
-        m_lastError = failureText(failure);
-    } catch (const std::exception& e) {
-        m_lastError = QStringLiteral("splitting failed: ") + QString::fromLocal8Bit(e.what());
     } catch (...) {
-        m_lastError = QStringLiteral("splitting failed");
+        m_lastError = currentFailureText();
     }
     for (CBody** out : {&positive, &negative, &cutFace}) {
         if (*out) (*out)->Release();

@@ -4,6 +4,7 @@
 #include "body_builder/SKRBodyBuilder.h"
 #include "body_builder/SKRSweepPath.h"
 #include "ndp/NDPBody.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPBooleanOperate.h"
 #include "ndp/NDPPlane.h"
 #include "ndp/NDPPolygon.h"
@@ -26,12 +27,7 @@ namespace {
 
 const double kPi = 3.14159265358979323846;
 
-struct Releaser {
-    void operator()(CBody* body) const {
-        if (body) body->Release();
-    }
-};
-using BodyPtr = std::unique_ptr<CBody, Releaser>;
+using BodyPtr = ndp::CRef<ndp::CBody>;
 
 void expectBox(const CBody& body, const CVector3& min, const CVector3& max, double tolerance) {
     const ndp::CBox3d box = body.BoundingBox();

@@ -2,6 +2,7 @@
 // planes (intersecting, missing, touching, almost touching and barely intersecting), cut faces of
 // hollow sections, polygons with arcs as faces, tessellation and STL/STEP export.
 #include "ndp/NDPBody.h"
+#include "ndp/NDPRef.h"
 #include "ndp/NDPBodyExport.h"
 #include "ndp/NDPBodyMesh.h"
 #include "ndp/NDPBodyOcct.h"
@@ -32,12 +33,7 @@ namespace {
 
 const double kPi = 3.14159265358979323846;
 
-struct Releaser {
-    void operator()(CBody* body) const {
-        if (body) body->Release();
-    }
-};
-using BodyPtr = std::unique_ptr<CBody, Releaser>;
+using BodyPtr = ndp::CRef<ndp::CBody>;
 
 void expectVector(const CVector3& actual, const CVector3& expected, double tolerance = 1e-12) {
     for (int i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
