@@ -186,36 +186,6 @@ TEST_F(BxqDataTest, CatalogueTypeFilterListsOnlyThatTypeWithoutAbsentDimensions)
     EXPECT_TRUE(run({"catalogue", "--type", "42"}).out.isEmpty());
 }
 
-TEST_F(BxqDataTest, CatalogueJsonIsOneArrayOfRowsWithTheirNonZeroParameters) {
-    const BxqRun json = run({"catalogue", "--json"});
-    ASSERT_EQ(json.exitCode, 0) << json.err.constData();
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json.out, &error);
-    ASSERT_EQ(error.error, QJsonParseError::NoError);
-    ASSERT_TRUE(document.isArray());
-    const QJsonArray rows = document.array();
-    ASSERT_EQ(rows.size(), static_cast<int>(kCatalogue.size()));
-    for (int i = 0; i < rows.size(); ++i) {
-        const CatalogueRow& expected = kCatalogue[static_cast<size_t>(i)];
-        const QJsonObject row = rows[i].toObject();
-        QStringList keys = row.keys();
-        keys.sort();
-        EXPECT_EQ(keys, (QStringList{"name", "params", "sub", "surface", "type", "weight"}));
-        EXPECT_EQ(row.value("name").toString(), QString::fromWCharArray(expected.name));
-        EXPECT_EQ(row.value("type").toInt(), expected.type);
-        EXPECT_EQ(row.value("sub").toInt(), expected.sub);
-        EXPECT_EQ(row.value("weight").toDouble(), expected.weight);
-        EXPECT_EQ(row.value("surface").toDouble(), expected.area);
-        QJsonObject params;
-        for (size_t p = 0; p < expected.params.size(); ++p)
-            if (expected.params[p] != 0.0) params.insert(QString::fromWCharArray(kParamFields[p]), expected.params[p]);
-        EXPECT_EQ(row.value("params").toObject(), params) << qPrintable(row.value("name").toString());
-    }
-    const QJsonArray angles = QJsonDocument::fromJson(run({"catalogue", "--json", "--type", "3"}).out).array();
-    ASSERT_EQ(angles.size(), 1);
-    EXPECT_EQ(angles[0].toObject().value("name").toString(), "L100*10");
-}
-
 TEST_F(BxqDataTest, PerMetreFiguresComeOneLinePerNameInShortestForm) {
     const BxqRun weights = run({"wpm", "I20a", "HN400*200*8*13", "\u25A1150*150*6", "I99", "i20a"});
     ASSERT_EQ(weights.exitCode, 0) << weights.err.constData();
@@ -313,31 +283,6 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     const BxqRun again = run({"user-section", "remove", "--project", m_project, "--type", "9", "--sub", "1"});
     EXPECT_EQ(again.exitCode, 1);
     EXPECT_EQ(userSections(m_project).size(), 2u);
-}
-
-TEST_F(BxqDataTest, RefusedChangesLeaveTheProjectFileAsItWas) {
-    ASSERT_EQ(run({"user-section", "add", "Z270*80*8*3", "--project", m_project, "--type", "9", "--weight", "12.5",
-                   "--area", "0.6"})
-                  .exitCode,
-              0);
-    const QByteArray before = fileDigest(m_project);
-    const QList<QStringList> refused{
-        // the same name, typed with and without the mark
-        {"user-section", "add", "Z270*80*8*3(ZDY)", "--project", m_project, "--type", "9", "--weight", "1", "--area", "1"},
-        {"user-section", "add", "Z270*80*8*3", "--project", m_project, "--type", "8", "--weight", "1", "--area", "1"},
-        // a sub number taken by another section of the type
-        {"user-section", "add", "Z9", "--project", m_project, "--type", "9", "--sub", "1", "--weight", "1", "--area", "1"},
-    };
-    for (const QStringList& arguments : refused) {
-        SCOPED_TRACE(arguments.join(' ').toStdString());
-        const BxqRun result = run(arguments);
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_TRUE(result.out.isEmpty());
-        EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
-        EXPECT_TRUE(QString::fromUtf8(result.err).contains(m_project)) << result.err.constData();
-    }
-    EXPECT_EQ(fileDigest(m_project), before);
-    EXPECT_EQ(userSections(m_project).size(), 1u);
 }
 
 TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {

@@ -119,14 +119,6 @@ TEST(BxqParseInput, DashReadsOneTextPerLineFromStandardInput) {
     EXPECT_EQ(objects[3].value("sectionType").toInt(), 11);
 }
 
-TEST(BxqParseInput, RepeatedTextsGiveIdenticalLines) {
-    const BxqRun run = bxq({"parse", "--json", "-"}, "H400*200*8*13\nB300*10*12\nH400*200*8*13\n");
-    const QList<QByteArray> lines = run.out.split('\n');
-    ASSERT_GE(lines.size(), 3);
-    EXPECT_EQ(lines[0], lines[2]);
-    EXPECT_NE(lines[0], lines[1]);
-}
-
 TEST(BxqParseLanguage, EnglishInterfaceRecognisesItsOwnCustomKeyword) {
     const auto english = jsonLines(bxq({"parse", "--json", "--lang", "en", "CustomSection5", "自定义截面5"}).out);
     ASSERT_EQ(english.size(), 2);

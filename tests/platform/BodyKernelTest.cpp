@@ -86,14 +86,6 @@ int wireCount(const CBody& body) {
 // ---------------------------------------------------------------------------------------------
 // Planes
 
-TEST(KernelPlane, DefaultIsTheXYPlaneWithNormalZ) {
-    const CPlane p;
-    expectVector(p.GetOrigin(), {0, 0, 0});
-    expectVector(p.GetNormal(), {0, 0, 1});
-    expectVector(p.GetUDirection(), {1, 0, 0});
-    expectVector(p.GetVDirection(), {0, 1, 0});
-}
-
 TEST(KernelPlane, UIsGlobalXProjectedAndUVNormalAreRightHanded) {
     const CVector3 normal{1, 2, 3};
     const CPlane p = plane({5, -4, 2}, normal);
@@ -103,18 +95,6 @@ TEST(KernelPlane, UIsGlobalXProjectedAndUVNormalAreRightHanded) {
     expectVector(Cross(p.GetUDirection(), p.GetVDirection()), p.GetNormal());
     EXPECT_NEAR(Dot(p.GetUDirection(), p.GetVDirection()), 0.0, 1e-15);
     EXPECT_NEAR(Length(p.GetVDirection()), 1.0, 1e-15);
-}
-
-TEST(KernelPlane, UFallsBackToGlobalYWhenTheNormalIsAlongX) {
-    const CPlane alongX = plane({0, 0, 0}, {3, 0, 0});
-    expectVector(alongX.GetUDirection(), {0, 1, 0});
-    expectVector(alongX.GetVDirection(), {0, 0, 1});
-    const CPlane againstX = plane({0, 0, 0}, {-1, 0, 0});
-    expectVector(againstX.GetUDirection(), {0, 1, 0});
-    expectVector(againstX.GetVDirection(), {0, 0, -1});
-    const CPlane down = plane({0, 0, 0}, {0, 0, -2});
-    expectVector(down.GetUDirection(), {1, 0, 0});
-    expectVector(down.GetVDirection(), {0, -1, 0});
 }
 
 TEST(KernelPlane, NearestUVAndGetPointRoundTrip) {
@@ -134,36 +114,6 @@ TEST(KernelPlane, NearestUVAndGetPointRoundTrip) {
     expectVector(p.GetPoint(0, 0), {10, 20, 30});
 }
 
-TEST(KernelPlane, SignedDistanceIsPositiveOnTheNormalsSide) {
-    const CPlane p = plane({0, 0, 100}, {0, 0, 5});
-    EXPECT_DOUBLE_EQ(p.SignedDistance({3, 4, 130}), 30.0);
-    EXPECT_DOUBLE_EQ(p.SignedDistance({3, 4, 90}), -10.0);
-}
-
-TEST(KernelPlane, BadInputLeavesThePlaneAsItWas) {
-    CPlane p = plane({1, 2, 3}, {0, 1, 0});
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(p.Create({0, 0, 0}, {0, 0, 0}));
-    EXPECT_FALSE(p.Create({nan, 0, 0}, {0, 0, 1}));
-    EXPECT_FALSE(p.Create({0, 0, 0}, {0, std::numeric_limits<double>::infinity(), 1}));
-    EXPECT_FALSE(p.Create({0, 0, 0}, {0, 0, 1}, {0, 0, 7}));  // U along the normal
-    expectVector(p.GetOrigin(), {1, 2, 3});
-    expectVector(p.GetNormal(), {0, 1, 0});
-
-    double u = 42, v = 43;
-    EXPECT_FALSE(p.GetNearestUV({nan, 0, 0}, u, v, g_DistEpsilon));
-    EXPECT_FALSE(p.GetNearestUV({0, 0, 0}, u, v, -1.0));
-    EXPECT_EQ(u, 42);
-    EXPECT_EQ(v, 43);
-}
-
-TEST(KernelPlane, AGivenUDirectionIsProjectedOntoThePlane) {
-    CPlane p;
-    ASSERT_TRUE(p.Create({0, 0, 0}, {0, 0, 1}, {1, 1, 5}));
-    expectVector(p.GetUDirection(), Normalized(CVector3{1, 1, 0}));
-    expectVector(p.GetVDirection(), Normalized(CVector3{-1, 1, 0}));
-}
-
 // ---------------------------------------------------------------------------------------------
 // Bodies
 
@@ -181,53 +131,6 @@ TEST(KernelBody, BoxHasItsVolumeBoxAndTopology) {
     ASSERT_FALSE(bounds.IsEmpty());
     expectVector(bounds.min, {0, 0, 0}, 1e-9);
     expectVector(bounds.max, {100, 60, 1000}, 1e-9);
-}
-
-TEST(KernelBody, ReferenceCountingSharesAndCopiesHandles) {
-    CBody* box = CBody::CreateBox(identity(), 1, 2, 3);
-    ASSERT_TRUE(box);
-    box->AddRef();
-    EXPECT_EQ(box->GetRefCount(), 2);
-    box->Release();
-    EXPECT_EQ(box->GetRefCount(), 1);
-    CBody* copy = box->Copy();
-    ASSERT_TRUE(copy);
-    EXPECT_NE(copy, box);
-    EXPECT_EQ(copy->GetRefCount(), 1);
-    box->Release();
-    EXPECT_NEAR(copy->Volume(), 6.0, 1e-12);
-    copy->Release();
-}
-
-TEST(KernelBody, BoxInATurnedFrameAndItsBoxInAPlane) {
-    CCoord3 frame;
-    frame.origin = {10, 20, 30};
-    frame.xAxis = {0, 1, 0};
-    frame.yAxis = {0, 0, 1};
-    frame.zAxis = {1, 0, 0};
-    BodyPtr box(CBody::CreateBox(frame, 4, 5, 6));
-    ASSERT_TRUE(box);
-    const CBox3d bounds = box->BoundingBox();
-    expectVector(bounds.min, {10, 20, 30}, 1e-9);
-    expectVector(bounds.max, {16, 24, 35}, 1e-9);
-
-    const CBox3d inPlane = box->BoundingBoxInPlane(plane({0, 0, 32}, {0, 0, 1}));
-    expectVector(inPlane.min, {10, 20, -2}, 1e-9);
-    expectVector(inPlane.max, {16, 24, 3}, 1e-9);
-}
-
-TEST(KernelBody, BoxesWithoutSizeOrFrameAreRefused) {
-    QString error;
-    EXPECT_EQ(CBody::CreateBox(identity(), 0, 1, 1, &error), nullptr);
-    EXPECT_FALSE(error.isEmpty());
-    error.clear();
-    EXPECT_EQ(CBody::CreateBox(identity(), 1, std::nan(""), 1, &error), nullptr);
-    EXPECT_FALSE(error.isEmpty());
-    CCoord3 flat;
-    flat.xAxis = {0, 0, 2};
-    error.clear();
-    EXPECT_EQ(CBody::CreateBox(flat, 1, 1, 1, &error), nullptr);
-    EXPECT_TRUE(error.contains(QStringLiteral("parallel"))) << error.toStdString();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -260,36 +163,6 @@ TEST(KernelPolygonFace, ArcsAreTrueCirclesAndTheAreaIsThePolygons) {
     const CBox3d bounds = face->BoundingBox();
     EXPECT_NEAR(bounds.min[0], -50, 1e-9);
     EXPECT_NEAR(bounds.max[0], 350, 1e-9);
-}
-
-TEST(KernelPolygonFace, LoopsInEitherTurningSenseGiveTheSameFace) {
-    CPolygon polygon;
-    CLoop* outer = rectangle(0, 0, 200, 100);
-    outer->Reverse();  // clockwise outer loop
-    polygon.AddLoop(outer, true);
-    auto* hole = new CLoop;  // counter-clockwise hole made of two clockwise-built half arcs reversed
-    hole->AddCurve(new CArc2d({80, 50}, {120, 50}, 20, 2), false);
-    hole->AddCurve(new CArc2d({120, 50}, {80, 50}, 20, 2), false);
-    polygon.AddLoop(hole, true);
-    BodyPtr face(CBody::CreateFace(polygon, identity()));
-    ASSERT_TRUE(face);
-    EXPECT_NEAR(face->SurfaceArea(), 200 * 100 - kPi * 400, 1e-9);
-    EXPECT_TRUE(face->IsValid());
-}
-
-TEST(KernelPolygonFace, TheFaceLiesInTheFramesXYPlane) {
-    CPolygon polygon;
-    polygon.AddLoop(rectangle(0, 0, 10, 20), true);
-    CCoord3 frame;
-    frame.origin = {0, 0, 5};
-    frame.xAxis = {0, 1, 0};
-    frame.yAxis = {0, 0, 1};
-    frame.zAxis = {1, 0, 0};
-    BodyPtr face(CBody::CreateFace(polygon, frame));
-    ASSERT_TRUE(face);
-    const CBox3d bounds = face->BoundingBox();
-    expectVector(bounds.min, {0, 0, 5}, 1e-9);
-    expectVector(bounds.max, {0, 10, 25}, 1e-9);
 }
 
 TEST(KernelPolygonFace, OpenEmptyAndFlatLoopsAreRefusedWithWhere) {
@@ -351,36 +224,6 @@ TEST(KernelSplit, ObliquePlaneSidesHaveTheirClosedFormVolumes) {
     // The input body is untouched and still the caller's alone.
     EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
     EXPECT_EQ(body->GetRefCount(), 1);
-}
-
-TEST(KernelSplit, SplitBodyGivesBothSidesAndTheCutFace) {
-    BodyPtr body = member();
-    const CVector3 normal{1, 2, 10};
-    const CPlane p = plane({20, 10, 300}, normal);
-    CBooleanOperate op = operate();
-    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
-    ASSERT_TRUE(op.SplitBody(p, body.get(), positive, negative, cut)) << op.GetLastError().toStdString();
-    BodyPtr keepPositive(positive), keepNegative(negative), keepCut(cut);
-    ASSERT_TRUE(positive && negative && cut);
-    EXPECT_NEAR(positive->Volume() + negative->Volume(), kMemberVolume, 1e-6 * kMemberVolume);
-    // The cut face is the section stretched by 1 / cos of the plane's tilt from the axis.
-    const double cosTilt = normal[2] / Length(normal);
-    EXPECT_NEAR(cut->SurfaceArea(), kSectionArea / cosTilt, 1e-6 * kSectionArea);
-    EXPECT_TRUE(cut->IsEmpty());
-    EXPECT_EQ(cut->FaceCount(), 1);
-    // Every point of the cut face is on the plane.
-    const CBox3d inPlane = cut->BoundingBoxInPlane(p);
-    EXPECT_NEAR(inPlane.min[2], 0.0, 1e-6);
-    EXPECT_NEAR(inPlane.max[2], 0.0, 1e-6);
-}
-
-TEST(KernelSplit, PlaneAlongTheAxisSplitsTheSectionWidth) {
-    BodyPtr body = member();
-    CBooleanOperate op = operate();
-    BodyPtr right(op.SplitPositiveBody(plane({30, 0, 0}, {1, 0, 0}), body.get()));
-    ASSERT_TRUE(right);
-    EXPECT_NEAR(right->Volume(), 70 * 60 * 1000, 1e-6 * kMemberVolume);
-    EXPECT_NEAR(right->BoundingBox().min[0], 30, 1e-9);
 }
 
 TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
@@ -461,32 +304,6 @@ INSTANTIATE_TEST_SUITE_P(
         SideCase{"BarelyIntoTheHead", kBarely, kSectionArea * (1000 - kBarely), kSectionArea * kBarely}),
     [](const ::testing::TestParamInfo<SideCase>& info) { return std::string(info.param.name); });
 
-TEST(KernelSplit, SplitBodyOfAPlaneThatMissesHasOneSideAndNoCutFace) {
-    BodyPtr body = member();
-    CBooleanOperate op = operate();
-    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
-    ASSERT_TRUE(op.SplitBody(plane({0, 0, 1500}, {0, 0, 1}), body.get(), positive, negative, cut));
-    BodyPtr keepNegative(negative);
-    EXPECT_EQ(positive, nullptr);
-    EXPECT_EQ(cut, nullptr);
-    ASSERT_TRUE(negative);
-    EXPECT_NEAR(negative->Volume(), kMemberVolume, 1e-6);
-}
-
-TEST(KernelSplit, SplitBodyOnAnEndFaceGivesTheEndFaceAsCutFace) {
-    BodyPtr body = member();
-    CBooleanOperate op = operate();
-    CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
-    ASSERT_TRUE(op.SplitBody(plane({0, 0, 1000}, {0, 0, 1}), body.get(), positive, negative, cut))
-        << op.GetLastError().toStdString();
-    BodyPtr keepPositive(positive), keepNegative(negative), keepCut(cut);
-    EXPECT_EQ(positive, nullptr);
-    ASSERT_TRUE(negative);
-    EXPECT_NEAR(negative->Volume(), kMemberVolume, 1e-6);
-    ASSERT_TRUE(cut);
-    EXPECT_NEAR(cut->SurfaceArea(), kSectionArea, 1e-6);
-}
-
 TEST(KernelSplit, NullAndFaceOnlyBodiesAreRefusedWithAReason) {
     CBooleanOperate op = operate();
     const CPlane p;
@@ -510,16 +327,6 @@ TEST(KernelSplit, NullAndFaceOnlyBodiesAreRefusedWithAReason) {
     EXPECT_EQ(positive, nullptr);
     EXPECT_EQ(negative, nullptr);
     EXPECT_EQ(cut, nullptr);
-}
-
-TEST(KernelSplit, TwoPlanesThatRemoveEverythingLeaveNothing) {
-    BodyPtr body = member();
-    CBooleanOperate op = operate();
-    BodyPtr head(op.SplitPositiveBody(plane({0, 0, 600}, {0, 0, 1}), body.get()));
-    ASSERT_TRUE(head);
-    BodyPtr rest(op.SplitNegativeBody(plane({0, 0, 500}, {0, 0, 1}), head.get()));
-    EXPECT_FALSE(rest);
-    EXPECT_TRUE(op.GetLastError().isEmpty());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -569,61 +376,6 @@ TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesWithFaceNormals) {
     }
 }
 
-TEST(KernelMesh, AFinerParameterFollowsACurvedSurfaceCloser) {
-    BodyPtr bar = roundBar(50, 200);
-    ASSERT_TRUE(bar);
-    const double exact = kPi * 50 * 50 * 200;
-    ASSERT_NEAR(bar->Volume(), exact, 1e-9 * exact);
-    CBodyMesh coarse, fine;
-    ASSERT_TRUE(coarse.Build(bar.get(), CMeshParameter(1.0, 0.5)));
-    ASSERT_TRUE(fine.Build(bar.get(), CMeshParameter(0.01, 0.1)));
-    EXPECT_GT(fine.GetTriangleCount(), coarse.GetTriangleCount());
-    // Inscribed polygons: short of the circle, by at most the deflection times the perimeter.
-    for (const CBodyMesh* mesh : {&coarse, &fine}) {
-        EXPECT_LT(meshVolume(*mesh), exact);
-        EXPECT_GT(meshVolume(*mesh), exact - 2 * kPi * 50 * 200 * 1.0);
-    }
-    EXPECT_LT(exact - meshVolume(fine), 0.1 * (exact - meshVolume(coarse)));
-    // Asking for the coarse tessellation again gives it again, not the finer one kept from before.
-    CBodyMesh again;
-    ASSERT_TRUE(again.Build(bar.get(), CMeshParameter(1.0, 0.5)));
-    EXPECT_EQ(again.GetTriangleCount(), coarse.GetTriangleCount());
-}
-
-TEST(KernelMesh, NoBodyOrABadParameterGivesNoMesh) {
-    BodyPtr box = member();
-    CBodyMesh mesh;
-    QString error;
-    EXPECT_FALSE(mesh.Build(nullptr, CMeshParameter(), &error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_FALSE(mesh.Build(box.get(), CMeshParameter(0.0, 0.5), &error));
-    EXPECT_FALSE(mesh.Build(box.get(), CMeshParameter(0.5, std::nan("")), &error));
-    EXPECT_EQ(mesh.GetTriangleCount(), 0);
-    EXPECT_FALSE(CMeshParameter(1.0, kPi).IsValid());
-    EXPECT_TRUE(CMeshParameter(1.0, 0.3490658503988659).IsValid());
-}
-
-TEST(KernelExport, BinaryStlHoldsEveryTriangle) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    BodyPtr bar = roundBar(20, 100);
-    ASSERT_TRUE(bar);
-    const CMeshParameter parameter(0.1, 0.3);
-    CBodyMesh mesh;
-    ASSERT_TRUE(mesh.Build(bar.get(), parameter));
-    const QString path = dir.filePath(QStringLiteral("bar.stl"));
-    QString error;
-    ASSERT_TRUE(ExportBodyStl(bar.get(), path, parameter, false, &error)) << error.toStdString();
-    // 80-byte header, a 4-byte count, 50 bytes per triangle.
-    EXPECT_EQ(QFileInfo(path).size(), 84 + 50 * mesh.GetTriangleCount());
-
-    const QString text = dir.filePath(QStringLiteral("bar-ascii.stl"));
-    ASSERT_TRUE(ExportBodyStl(bar.get(), text, parameter, true, &error)) << error.toStdString();
-    QFile file(text);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().count("facet normal"), mesh.GetTriangleCount());
-}
-
 TEST(KernelExport, StepKeepsTheExactGeometry) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
@@ -638,14 +390,4 @@ TEST(KernelExport, StepKeepsTheExactGeometry) {
     ASSERT_GT(reader.TransferRoots(), 0);
     BodyPtr back(CBodyOcct::Create(reader.OneShape()));
     EXPECT_NEAR(back->Volume(), bar->Volume(), 1e-6 * bar->Volume());
-}
-
-TEST(KernelExport, UnwritablePathsAndNoBodyAreRefused) {
-    BodyPtr box = member();
-    QString error;
-    EXPECT_FALSE(ExportBodyStl(box.get(), QStringLiteral("/nonexistent-dir/x.stl"), CMeshParameter(), false, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("/nonexistent-dir/x.stl"))) << error.toStdString();
-    EXPECT_FALSE(ExportBodyStep(box.get(), QStringLiteral("/nonexistent-dir/x.step"), &error));
-    EXPECT_FALSE(ExportBodyStep(nullptr, QStringLiteral("x.step"), &error));
-    EXPECT_FALSE(ExportBodyStl(nullptr, QStringLiteral("x.stl"), CMeshParameter(), false, &error));
 }

@@ -196,30 +196,6 @@ TEST_F(HostileNameTest, LookUpsFindNothingAndChangeNothing) {
     EXPECT_EQ(m_userProvider->findByName(L"Z270*80*8*3(ZDY)").second.weightMeter, 12.5);
 }
 
-TEST_F(HostileNameTest, SuchNamesAreKeptAsPlainTextAndFoundOnlyByThemselves) {
-    int sub = 10;
-    for (const std::wstring& name : kHostileNames) {
-        SCOPED_TRACE(QString::fromStdWString(name).toStdString());
-        ASSERT_TRUE(m_userProvider->addSection(userSection(name, 9, sub, 1.0 + sub)));
-        ++sub;
-        EXPECT_FALSE(m_userProvider->addSection(userSection(name, 9, 99, 1.0)));  // names stay unique
-    }
-    const int userRows = 1 + static_cast<int>(kHostileNames.size());
-    expectCataloguesIntact(userRows);
-    sub = 10;
-    for (const std::wstring& name : kHostileNames) {
-        SCOPED_TRACE(QString::fromStdWString(name).toStdString());
-        const SKRHotRollingLookup found = m_userProvider->findByName(name);
-        ASSERT_TRUE(found.first);
-        EXPECT_EQ(found.second.standardName, name);
-        EXPECT_EQ(found.second.subId, sub);
-        EXPECT_EQ(SKRPerMetreLookup::weightPerMetre(QString::fromStdWString(name)), 1.0 + sub);
-        ++sub;
-    }
-    for (int s = 10; s < sub; ++s) EXPECT_TRUE(m_userProvider->removeSection(9, s));
-    expectCataloguesIntact(1);
-}
-
 // Catalogue parameters are numbers written as text; each reads as std::wcstod reads it, a
 // text that is no number or out of range fails the row.
 TEST(CatalogueNumbers, ReadAsTheCLibraryReadsThem) {

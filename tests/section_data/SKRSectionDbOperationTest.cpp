@@ -217,23 +217,6 @@ TEST_F(CustomPolyStoreTest, AddedPolygonIsFlushedAndReadsBackIdenticalAfterReope
     EXPECT_TRUE(plain.vectorDrawingInfo.isEmpty());
 }
 
-TEST_F(CustomPolyStoreTest, DrawingBytesOfAnyValueAndNoPolygonRoundTrip) {
-    SKRCustomPolyInfo info;
-    info.vectorDrawingInfo = QByteArray("\0\0\x01\xFF\0", 5);
-    ASSERT_TRUE(m_store->addCustomPoly(info));
-    SKRCustomPolyInfo empty;
-    ASSERT_TRUE(m_store->addCustomPoly(empty));
-    reopen();
-
-    SKRCustomPolyInfo got;
-    CPolygon read = plate(10);
-    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
-    EXPECT_EQ(got.vectorDrawingInfo, QByteArray("\0\0\x01\xFF\0", 5));
-    EXPECT_TRUE(read.IsEmpty());  // no polygon given: an empty outline
-    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(empty.id, got, read));
-    EXPECT_TRUE(got.vectorDrawingInfo.isEmpty());
-}
-
 // ---------------------------------------------------------------------------------------------
 // Updating and removing
 
@@ -302,43 +285,8 @@ TEST_F(CustomPolyStoreTest, RemoveDeletesInTheSessionButIsNotFlushed) {
     EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
 }
 
-TEST_F(CustomPolyStoreTest, RemoveDeletesEveryRowWithThatId) {
-    ndp::CDBTable* polys = table(L"CustomPoly");
-    for (int i = 0; i < 2; ++i) {
-        ndp::CDBRecord* record = polys->CreateRecord();
-        record->SetInt(polys->FindField(L"ID"), 3);
-        polys->AddRecord(record);
-        record->Release();
-    }
-    EXPECT_TRUE(m_store->removeCustomPoly(3));
-    EXPECT_EQ(polyRowCount(), 0);
-}
-
 // ---------------------------------------------------------------------------------------------
 // Refusals
-
-TEST_F(CustomPolyStoreTest, ReadersLeaveTheirTargetsAloneWhenNothingCanBeRead) {
-    CPolygon polygon = plate(80);
-    added(&polygon);
-    ndp::CDBTable* polys = table(L"CustomPoly");
-    ndp::CFileAddress address = ndp::kNullAddress;
-    ASSERT_TRUE(polys->Find(polys->FindField(L"ID"), 1, address));
-    ndp::CDBRecord* record = polys->GetRecord(address);
-    record->SetBytes(polys->FindField(L"PolyData"), QByteArray("not a polygon"));
-    ASSERT_TRUE(polys->ModifyRecord(record));
-    record->Release();
-
-    SKRCustomPolyInfo got;
-    got.description = QStringLiteral("kept");
-    CPolygon read = plate(10);
-    QString error;
-    EXPECT_FALSE(m_store->readCustomPolyWithDrawing(1, got, read, &error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_EQ(got.description, QStringLiteral("kept"));
-    EXPECT_EQ(read, plate(10));
-    EXPECT_FALSE(m_store->readCustomPoly(2, got, read));
-    EXPECT_EQ(got.description, QStringLiteral("kept"));
-}
 
 TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
     EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
@@ -362,13 +310,3 @@ TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
 
 // ---------------------------------------------------------------------------------------------
 // Translation
-
-TEST_F(CustomPolyStoreTest, TranslatedInterfaceNamesPolygonsAndTypesInItsLanguage) {
-    TranslationGuard guard;
-    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
-    CPolygon polygon = plate(80);
-    const SKRCustomPolyInfo info = added(&polygon);
-    EXPECT_EQ(info.description, QStringLiteral("CustomSection1"));
-    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"CustomSectionType"}}));
-    EXPECT_EQ(polyField(1, L"TypeName", readText), L"CustomSectionType");
-}

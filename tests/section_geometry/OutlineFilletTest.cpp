@@ -56,22 +56,6 @@ TEST(OutlineFillet, ARectangleWithFourRoundedCornersLosesFourCornerPieces) {
     }
 }
 
-TEST(OutlineFillet, RadiiThatUseWholeEdgesLeaveNoStraightPieceThere) {
-    // A 100 x 40 rectangle with radius 20 everywhere is a slot: two lines, two half circles.
-    const auto slot = rounded({{0, 0, 20}, {100, 0, 20}, {100, 40, 20}, {0, 40, 20}});
-    ASSERT_TRUE(slot);
-    const ndp::CLoop& loop = *slot->GetLoop(0);
-    EXPECT_EQ(count(loop, ndp::EnCurveType::Line), 2);
-    EXPECT_EQ(count(loop, ndp::EnCurveType::Arc), 4);  // each half circle is two quarter fillets
-    EXPECT_NEAR(slot->Area(), 60 * 40 + M_PI * 20 * 20, 1e-9);
-    EXPECT_TRUE(loop.IsClosed(1e-12));
-    // A square whose fillets meet is a circle.
-    const auto circle = rounded({{0, 0, 10}, {20, 0, 10}, {20, 20, 10}, {0, 20, 10}});
-    ASSERT_TRUE(circle);
-    EXPECT_EQ(count(*circle->GetLoop(0), ndp::EnCurveType::Line), 0);
-    EXPECT_NEAR(circle->Area(), M_PI * 100, 1e-9);
-}
-
 TEST(OutlineFillet, ConcaveCornersGainWhatConvexCornersLose) {
     // An L of legs 100 and thickness 10: the inner corner is concave.
     const Corners sharp{{0, 0}, {100, 0}, {100, 10}, {10, 10}, {10, 100}, {0, 100}};
@@ -88,24 +72,6 @@ TEST(OutlineFillet, ConcaveCornersGainWhatConvexCornersLose) {
     for (const SKROutlineVertex& v : loop)
         if (v.kind != 0) arcKinds << v.kind;
     EXPECT_EQ(arcKinds, (QVector<int>{1, 2}));
-}
-
-TEST(OutlineFillet, CornersListedClockwiseGiveTheSameShape) {
-    Corners corners{{0, 0, 5}, {60, 0, 0}, {60, 10, 3}, {10, 10, 8}, {10, 50, 3}, {0, 50, 0}};
-    const auto forward = rounded(corners);
-    std::reverse(corners.begin(), corners.end());
-    const auto backward = rounded(corners);
-    ASSERT_TRUE(forward && backward);
-    EXPECT_NEAR(forward->Area(), backward->Area(), 1e-9);
-    EXPECT_NEAR(forward->Area(), 60 * 10 + 40 * 10 - quarterCut(5) - quarterCut(3) * 2 + quarterCut(8), 1e-9);
-    EXPECT_NEAR(forward->GetLoop(0)->Length(), backward->GetLoop(0)->Length(), 1e-9);
-    // Run the other way, each fillet turns the other way.
-    QVector<SKROutlineVertex> loop;
-    ASSERT_TRUE(filletCorners(corners, loop));
-    QVector<int> arcKinds;
-    for (const SKROutlineVertex& v : loop)
-        if (v.kind != 0) arcKinds << v.kind;
-    EXPECT_EQ(arcKinds, (QVector<int>{2, 1, 2, 2}));  // the toe, the root, the other toe, the heel
 }
 
 TEST(OutlineFillet, CornersOfAnyAngleAreCutBackByRTanHalfTheTurn) {
@@ -155,10 +121,4 @@ TEST(OutlineFillet, RadiiThatDoNotFitAreRefusedNamingTheCorners) {
         EXPECT_EQ(loop.size(), before.size());
         EXPECT_EQ(loop.first().x, before.first().x);
     }
-}
-
-TEST(OutlineFillet, LoopsAndCirclesAreWrittenAsOutlineRecords) {
-    EXPECT_EQ(outlineLoopText({{0, 0, 0, 0}, {10, 0, 2.5, 1}, {12.5, 2.5, 0, 0}}),
-              QStringLiteral("0,0,0,0;10,0,2.5,1;12.5,2.5,0,0"));
-    EXPECT_EQ(outlineCircleText(44.5, 44.5, 40.5), QStringLiteral("44.5,44.5,40.5,50"));
 }

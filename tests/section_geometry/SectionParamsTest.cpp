@@ -81,18 +81,6 @@ TEST(SectionParams, EachTextsValuesLandUnderTheirCodes) {
     }
 }
 
-TEST(SectionParams, ACatalogueIOrChannelLeavesItsRadiiOut) {
-    for (EnSKRSectionType type : {stI, stChannel}) {
-        GSectionPolyInfo info;
-        info.name = QStringLiteral("I20a");
-        info.sectionType = type;
-        info.params = {200, 100, 7, 11.4};
-        Params params;
-        ASSERT_TRUE(sectionParamsByCode(info, params));
-        EXPECT_EQ(params, (Params{{"h", 200}, {"b", 100}, {"d", 7}, {"t", 11.4}}));
-    }
-}
-
 TEST(SectionParams, TheCodesAreTheShippedParameterTables) {
     QFile file(QStringLiteral(BXQ_SECTION_PARAMS_CSV));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << BXQ_SECTION_PARAMS_CSV;

@@ -92,14 +92,6 @@ TEST(NormRules, NothingMatchedMeansNoCheck) {
     EXPECT_TRUE(failed.isEmpty());
 }
 
-TEST(Declarations, OneLinePerValueInNameOrderWithTheShortestNumber) {
-    EXPECT_EQ(SKRScriptEvaluator::declarations({{"h", 400.5}}), QStringLiteral("var h = 400.5;\n"));
-    EXPECT_EQ(SKRScriptEvaluator::declarations({{"x", 0.1 + 0.2}}), QStringLiteral("var x = 0.30000000000000004;\n"));
-    EXPECT_EQ(SKRScriptEvaluator::declarations({{"t", 8}, {"D", 300}, {"b", 1.25}}),
-              QStringLiteral("var D = 300;\nvar b = 1.25;\nvar t = 8;\n"));
-    EXPECT_EQ(SKRScriptEvaluator::declarations({}), QString());
-}
-
 TEST(Declarations, DeclaredNumbersReadBackExactly) {
     for (double value : {0.1 + 0.2, 1.0 / 3.0, 400.5, 1e-7, 123456789012.5, 0.0}) {
         SCOPED_TRACE(value);
@@ -143,17 +135,6 @@ TEST(CheckRules, EveryRuleIsEvaluatedAfterAFailure) {
     EXPECT_FALSE(SKRScriptEvaluator::checkRules({{"a", 1}, {"b", 2}},
                                                 {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"}, &failed));
     EXPECT_EQ(failed, (QStringList{"a>b", "a==b", "undefinedName"}));
-}
-
-TEST(CheckRules, NoRulesHold) {
-    QStringList failed;
-    EXPECT_TRUE(SKRScriptEvaluator::checkRules({{"h", 1}}, {}, &failed));
-    EXPECT_TRUE(failed.isEmpty());
-}
-
-TEST(CheckRules, FailedListIsOptional) {
-    EXPECT_FALSE(SKRScriptEvaluator::checkRules({{"h", 1}}, {"h>2"}));
-    EXPECT_TRUE(SKRScriptEvaluator::checkRules({{"h", 3}}, {"h>2"}));
 }
 
 TEST(CheckRules, ChecksDoNotShareVariables) {

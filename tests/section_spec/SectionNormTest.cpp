@@ -191,15 +191,6 @@ TEST(WeldedNormTable, ExampleOfEveryEntryMatchesThatEntryAndKeepsItsRules) {
     }
 }
 
-TEST(WeldedNormTable, EntriesAreBuiltInTableOrder) {
-    WeldSectionNormParser parser;
-    QStringList built;
-    for (const SectionNormEntry& entry : parser.entries())
-        built << QStringLiteral("%1:%2").arg(entry.key).arg(entry.sectionType);
-    EXPECT_EQ(built, QStringList({"H:11", "H:12", "B:13", "HD:14", "H:15", "T:16", "H(:17", "BS:1012", "WS:1013",
-                                  "WSR:1013", "D:18", "BB:19", "TY:21", "H:20"}));
-}
-
 TEST(NormExpression, LiteralTokensMatchThemselvesAndNamesCaptureNumbers) {
     SectionNormEntry entry;
     entry.paramNames = QStringList{"a", "b"};

@@ -259,13 +259,6 @@ TEST(ParseUserSections, ZdyAtTheStartIsNotAUserSection) {
     for (const Case& row : rows) expectRecord(row);
 }
 
-TEST(ParseUserSections, LowerCaseMarkIsNotAUserSection) {
-    const GSectionPolyInfo info = parse(QStringLiteral("Z270*80*8*3(zdy)"));
-    EXPECT_EQ(info.name, QStringLiteral("Z270*80*8*3ZDy"));
-    EXPECT_EQ(info.typeCode, QStringLiteral("Z"));
-    EXPECT_EQ(info.sectionType, stZSection);
-}
-
 TEST(ParseCustomSections, KeywordFollowedByANumber) {
     const Case rows[] = {
         {"自定义截面7", "自定义截面7", "自定义截面", "7", 7007, 3, -1, {7}},
@@ -365,15 +358,6 @@ TEST(ParserParamEqualString, RepeatedKeyIsListedTwiceButHeldOnceWithTheLastValue
     EXPECT_EQ(map.value("b"), QStringLiteral("200"));
 }
 
-TEST(ParserParamEqualString, EmptyPiecesAreDroppedAndPiecesTrimmed) {
-    QList<QString> keys;
-    const QMap<QString, QString> map = SKRSectionPolyInfoParser::parserParamEqualString(
-        QStringLiteral("  t1=13 ;;\n tw=8;  "), QStringLiteral(";"), keys);
-    EXPECT_EQ(keys, (QList<QString>{"t1", "tw"}));
-    EXPECT_EQ(map.value("t1"), QStringLiteral("13"));
-    EXPECT_EQ(map.value("tw"), QStringLiteral("8"));
-}
-
 TEST(ParserParamEqualString, ValueEndsAtTheNextEqualsSignAndAMissingValueIsEmpty) {
     QList<QString> keys;
     const QMap<QString, QString> map =
@@ -382,29 +366,4 @@ TEST(ParserParamEqualString, ValueEndsAtTheNextEqualsSignAndAMissingValueIsEmpty
     EXPECT_EQ(map.value("a"), QStringLiteral("1"));
     EXPECT_TRUE(map.contains("b"));
     EXPECT_TRUE(map.value("b").isEmpty());
-}
-
-TEST(ParserParamEqualString, SeparatorIsCaseSensitive) {
-    QList<QString> keys;
-    const QMap<QString, QString> map =
-        SKRSectionPolyInfoParser::parserParamEqualString(QStringLiteral("a=1Xb=2xc=3"), QStringLiteral("x"), keys);
-    EXPECT_EQ(keys, (QList<QString>{"a", "c"}));
-    EXPECT_EQ(map.value("a"), QStringLiteral("1Xb"));
-    EXPECT_EQ(map.value("c"), QStringLiteral("3"));
-}
-
-TEST(StandardNameToUpper, AllButTheLastCharacterAreUpperCased) {
-    const struct {
-        const char* text;
-        const char* upper;
-    } rows[] = {
-        {"", ""},         {"a", "a"},       {"ab", "Ab"},        {"i20a", "I20a"},
-        {"[20b", "[20b"}, {"hn400*200*8*13", "HN400*200*8*13"}, {"wsr300*8", "WSR300*8"},
-        {"H400*200*8*13", "H400*200*8*13"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(SKRSectionPolyInfoParser::standardNameToUpper(QString::fromLatin1(row.text)),
-                  QString::fromLatin1(row.upper));
-    }
 }
