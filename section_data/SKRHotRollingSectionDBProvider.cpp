@@ -8,6 +8,8 @@
 #include <QLocale>
 #include <QString>
 
+#include <algorithm>
+
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -209,6 +211,12 @@ bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subI
     bool removed = false;
     for (int i = 0; i < found.GetCount(); ++i) removed = m_pTable->DeleteRecord(found.GetItem(i));
     return removed;
+}
+
+int SKRUserHotRollingSectionDBProvider::nextSubId(int sectionType) {
+    int last = 0;
+    for (const SKRHotRollingSection& row : listByType(sectionType)) last = std::max(last, row.subId);
+    return last + 1;
 }
 
 }  // namespace section

@@ -61,6 +61,8 @@ public:
     bool updateSection(const SKRHotRollingSection& section);
     // Deletes every row with these keys; the result of the last deletion, false when none matched.
     bool removeSection(int sectionType, int subId);
+    // The sub-class a new section of the type gets: one past the largest in use, 1 for the first.
+    int nextSubId(int sectionType);
 };
 
 }  // namespace section

@@ -4,6 +4,7 @@
 #include "section_dialog/SKRRangeRule.h"
 
 #include "ndp/NDPTolerance.h"
+#include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_geometry/SKRSectionParams.h"
 #include "section_spec/SKRScriptEvaluator.h"
@@ -14,7 +15,9 @@
 #include <QCryptographicHash>
 #include <QRegularExpression>
 
+#include <cmath>
 #include <cstring>
+#include <exception>
 
 using skr::section::SectionParam;
 using skr::section::SKRHotRollingSection;
@@ -50,6 +53,12 @@ double expressionValue(const QString& expression, const QMap<QString, double>& v
     const auto evaluated = skr::section::SKRScriptEvaluator::evaluate(
         values, QStringLiteral("var %1 = (%2); 0").arg(result, expression));
     return evaluated.ok ? evaluated.newValues.value(result, 0.0) : 0.0;
+}
+
+// The section type's row of the section database; not found without the scheme provider.
+std::pair<bool, skr::section::SectionScheme> typeScheme(int sectionType) {
+    auto* schemes = FetchInstance<skr::section::SectionSchemeProvider>();
+    return schemes ? schemes->findScheme(sectionType) : std::make_pair(false, skr::section::SectionScheme());
 }
 
 }  // namespace
@@ -88,6 +97,28 @@ bool SKRPolyParamManger::setCatalogueSection(const SKRHotRollingSection& row) {
     return true;
 }
 
+bool SKRPolyParamManger::matchCatalogueRow() {
+    auto* catalogue = FetchInstance<skr::section::SKRHotRollingSectionDBProvider>();
+    if (!catalogue) return false;
+    const QMap<QString, double> values = numericValues();
+    std::vector<SKRHotRollingSection> rows;
+    try {
+        rows = catalogue->listByType(m_iSectionType);
+    } catch (const std::exception&) {
+        return false;
+    }
+    for (const SKRHotRollingSection& row : rows) {
+        bool same = !row.params.empty();
+        for (const auto& param : row.params) {
+            const QString code = QString::fromStdWString(param.first);
+            if (param.second != 0 && (!values.contains(code) || std::abs(values.value(code) - param.second) > 1e-9))
+                same = false;
+        }
+        if (same) return setCatalogueSection(row);
+    }
+    return false;
+}
+
 bool SKRPolyParamManger::setSpecification(const QString& text) {
     SKRSectionPolyInfoParser parser;
     parser.parser(text);
@@ -102,6 +133,16 @@ bool SKRPolyParamManger::setSpecification(const QString& text) {
             m_oValues[i] = QString::number(values.value(m_oParams[i].paramCode), 'g', 15);
     m_iRibFlag = info.typeCode == QLatin1String("WSR") ? 1 : 0;
     return true;
+}
+
+QString SKRPolyParamManger::pictureName() const {
+    const auto scheme = typeScheme(m_iSectionType);
+    return scheme.first ? scheme.second.polyPicName : QString();
+}
+
+QString SKRPolyParamManger::hintText() const {
+    const auto scheme = typeScheme(m_iSectionType);
+    return scheme.first ? scheme.second.hintMsg : QString();
 }
 
 QMap<QString, double> SKRPolyParamManger::numericValues() const {
@@ -139,8 +180,7 @@ qint64 SKRPolyParamManger::specificationKey() const {
 }
 
 QString SKRPolyParamManger::insertPoint() const {
-    auto* schemes = FetchInstance<skr::section::SectionSchemeProvider>();
-    const auto scheme = schemes ? schemes->findScheme(m_iSectionType) : std::make_pair(false, skr::section::SectionScheme());
+    const auto scheme = typeScheme(m_iSectionType);
     if (!scheme.first) return QStringLiteral("0,0");
     const QMap<QString, double> values = numericValues();
     return QString::number(expressionValue(scheme.second.insPointX, values), 'g', 15) + QLatin1Char(',') +

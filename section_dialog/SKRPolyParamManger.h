@@ -26,12 +26,18 @@ public:
     int paramCount() const { return m_oParams.size(); }
     const skr::section::SectionParam& paramDef(int index) const { return m_oParams.at(index); }
     QString paramValue(int index) const { return m_oValues.value(index); }
+    // The type's picture in the dialog's resources and its hint ("规格示例：I20a"); empty when unknown.
+    QString pictureName() const;
+    QString hintText() const;
     // The value of parameter index as typed; false for an index out of range.
     bool setParamValue(int index, const QString& text);
 
     // A catalogue row: its type, its dimensions where the type has them, its name as the text.
     bool setCatalogueSection(const skr::section::SKRHotRollingSection& row);
     bool isCatalogueSection() const { return m_bCatalogue; }
+    // Positions on the shipped catalogue row of the type whose dimensions are the current values
+    // (type 1 at its defaults is I20a); false, changing nothing, when none is.
+    bool matchCatalogueRow();
     const skr::section::SKRHotRollingSection& catalogueSection() const { return m_oCatalogue; }
     // Positions on a specification text: a catalogue name selects its row, anything else its type
     // with the text's values. False, changing nothing, for a text that is no known section.
@@ -52,8 +58,10 @@ public:
     // offending parameter (-1 when no single one is to blame).
     bool checkParams(QString* message, int* index) const;
 
-private:
+    // The values read as numbers, by parameter code (text that is no number reads 0).
     QMap<QString, double> numericValues() const;
+
+private:
 
     int m_iSectionType = -1;
     int m_iRibFlag = 0;

@@ -1,0 +1,52 @@
+// The live section drawing.
+#include "section_dialog/SKRSectionPreview.h"
+
+#include "ndp/NDPPolygon.h"
+#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionOutline.h"
+#include "section_geometry/SKRSectionPainter.h"
+#include "section_geometry/SKRSectionPolygonParser.h"
+#include "section_geometry/SKRSpecificationOutline.h"
+
+#include <QPainter>
+
+SKRSectionPreview::SKRSectionPreview(QWidget* parent) : QWidget(parent) {
+    setMinimumSize(120, 120);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>& values) {
+    QString outline, error;
+    skr::geometry::sectionOutlineText(sectionType, values, outline, &error);
+    setOutline(outline, error);
+}
+
+void SKRSectionPreview::setSpecification(const QString& specification) {
+    QString outline, error;
+    skr::geometry::specificationOutline(specification, outline, &error);
+    setOutline(outline, error);
+}
+
+void SKRSectionPreview::clear() { setOutline(QString(), QString()); }
+
+void SKRSectionPreview::setOutline(const QString& outline, const QString& failure) {
+    m_path = QPainterPath();
+    m_caption = failure;
+    if (const auto polygon = outline.isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(outline)) {
+        m_path = skr::geometry::sectionPath(*polygon);
+        const ndp::CSectionProperties properties = ndp::SectionProperties(*polygon);
+        m_caption = QStringLiteral("A = %1 mm²").arg(properties.area, 0, 'f', 1);
+    }
+    update();
+}
+
+void SKRSectionPreview::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::white);
+    const QRectF caption(4, height() - 20, width() - 8, 18);
+    if (!m_path.isEmpty())
+        skr::geometry::paintSection(painter, m_path, QRectF(12, 12, width() - 24, height() - 40));
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(caption, Qt::AlignCenter | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(m_caption, Qt::ElideRight, static_cast<int>(caption.width())));
+}

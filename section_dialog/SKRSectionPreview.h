@@ -1,0 +1,33 @@
+// SKRSectionPreview: the live drawing of the chosen section in the section dialogs, drawn from
+// its outline as the values change.
+#pragma once
+
+#include <QMap>
+#include <QPainterPath>
+#include <QWidget>
+
+class SKRSectionPreview : public QWidget {
+    Q_OBJECT
+public:
+    explicit SKRSectionPreview(QWidget* parent = nullptr);
+
+    // The outline of the type for the values; with values that make none, an empty drawing with
+    // the reason as its caption.
+    void setSection(int sectionType, const QMap<QString, double>& values);
+    // The outline of a specification text (a catalogue name takes its catalogue radii).
+    void setSpecification(const QString& specification);
+    void clear();
+
+    bool hasOutline() const { return !m_path.isEmpty(); }
+    QString caption() const { return m_caption; }
+    QSize sizeHint() const override { return QSize(200, 200); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void setOutline(const QString& outline, const QString& failure);
+
+    QPainterPath m_path;
+    QString m_caption;
+};

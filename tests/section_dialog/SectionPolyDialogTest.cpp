@@ -1,0 +1,317 @@
+// The section library dialog driven as a user drives it: choosing groups and types, filtering
+// the catalogue by typing (Chinese text as input-method commits), validator refusals, the
+// restriction and rule messages, accepting by OK and by double-click, positioning on a parsed
+// section, and adding and deleting user sections with undo.
+#include "section_dialog/SKRSectionPolyDialog.h"
+
+#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_dialog/SKRParamEditor.h"
+#include "section_dialog/SKRPolyParamManger.h"
+#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "ui/VMPMessageBox.h"
+#include "vmp/VMPCmdLogTool.h"
+#include "vmp/VMPUserTrace.h"
+
+#include "data/ShippedRepository.h"
+#include "section_spec/QtPrinters.h"
+#include "support/Screens.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QInputMethodEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+using skr::section::SKRHotRollingSection;
+
+namespace {
+
+class SectionPolyDialog : public ShippedRepositoryTest {
+protected:
+    void SetUp() override {
+        VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
+            m_boxes << box.text;
+            return m_answer;
+        });
+        m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
+        m_dialog->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_dialog.get()));
+    }
+    void TearDown() override {
+        m_dialog.reset();
+        VMPMessageBox::setAnswerer({});
+    }
+
+    template <typename T>
+    T* child(const QString& name) const {
+        return m_dialog->findChild<T*>(name);
+    }
+    QPushButton* button(const QString& text) const {
+        for (QPushButton* b : m_dialog->findChildren<QPushButton*>())
+            if (b->text() == text) return b;
+        return nullptr;
+    }
+    // Clicks the picture of a section type in the left table.
+    void chooseType(int polyId) {
+        auto* view = child<QTableView>(QStringLiteral("polyView"));
+        for (int row = 0; row < view->model()->rowCount(); ++row)
+            for (int column = 0; column < view->model()->columnCount(); ++column) {
+                const QModelIndex index = view->model()->index(row, column);
+                if (index.data(Qt::UserRole + 1).toInt() != polyId) continue;
+                view->scrollTo(index);
+                QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+                return;
+            }
+        ADD_FAILURE() << "no picture of type " << polyId;
+    }
+    QTableView* list() const { return child<QTableView>(QStringLiteral("hotRolledView")); }
+    QStringList listedNames() const {
+        QStringList names;
+        for (int row = 0; row < list()->model()->rowCount(); ++row) names << list()->model()->index(row, 0).data().toString();
+        return names;
+    }
+    int rowOf(const QString& name) const { return listedNames().indexOf(name); }
+    void clickRow(int row, bool twice = false) {
+        const QModelIndex index = list()->model()->index(row, 0);
+        list()->scrollTo(index);
+        const QPoint at = list()->visualRect(index).center();
+        // A double click begins with a click of its own.
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, at);
+        if (twice) QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, at);
+    }
+    SKRParamEditor* editor() const { return m_dialog->findChild<SKRParamEditor*>(); }
+
+    std::unique_ptr<SKRSectionPolyDialog> m_dialog;
+    QStringList m_boxes;
+    QMessageBox::StandardButton m_answer = QMessageBox::Ok;
+};
+
+}  // namespace
+
+TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayout) {
+    EXPECT_EQ(m_dialog->windowTitle(), QStringLiteral("截面库"));
+    EXPECT_FALSE(m_dialog->isMoveEnabled());
+    EXPECT_EQ(VMPUserTrace::lastEntry(), QStringLiteral("用户操作记录: 打开截面库"));
+    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    const QModelIndex title = view->model()->index(0, 0);
+    EXPECT_EQ(title.data().toString(), QStringLiteral("型钢截面"));
+    EXPECT_EQ(view->columnSpan(0, 0), view->model()->columnCount());
+    const QModelIndex first = view->model()->index(1, 0);
+    EXPECT_EQ(first.data().toString(), QStringLiteral("热轧工字钢"));
+    EXPECT_FALSE(first.data(Qt::DecorationRole).value<QPixmap>().isNull()) << "the built picture is a resource";
+
+    EXPECT_EQ(child<QLineEdit>(QStringLiteral("filterEdit"))->placeholderText(), QStringLiteral("快速搜索，如:C 200*70*20*2"));
+    auto* single = m_dialog->findChild<QCheckBox*>();
+    EXPECT_EQ(single->text(), QStringLiteral("单构件输入"));
+    EXPECT_FALSE(single->isChecked());
+    EXPECT_EQ(button(QStringLiteral("查看型钢代号表"))->size(), QSize(100, 23));
+    EXPECT_FALSE(button(QStringLiteral("查看截面样式"))->isEnabled());
+    EXPECT_TRUE(button(QStringLiteral("取消"))->property("isOtherCommandButton").toBool());
+
+    chooseType(stI);
+    EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_catalogue")));
+    QTest::mouseClick(button(QStringLiteral("查看型钢代号表")), Qt::LeftButton);
+    auto* codes = m_dialog->findChild<QLabel*>(QStringLiteral("normCodePicture"));
+    ASSERT_NE(codes, nullptr);
+    EXPECT_GT(codes->pixmap(Qt::ReturnByValue).height(), 300);
+    EXPECT_TRUE(saveScreen(*codes->window(), QStringLiteral("section_code_table")));
+}
+
+TEST_F(SectionPolyDialog, FilterTypedTextButShowsEverythingForChineseText) {
+    chooseType(stI);
+    const int all = list()->model()->rowCount();
+    ASSERT_GT(all, 20);
+    for (const QString& name : listedNames()) EXPECT_TRUE(name.startsWith(QLatin1Char('I'))) << name.toStdString();
+    auto* filter = child<QLineEdit>(QStringLiteral("filterEdit"));
+    QTest::mouseClick(filter, Qt::LeftButton);
+    EXPECT_TRUE(filter->placeholderText().isEmpty());
+    QTest::keyClicks(filter, QStringLiteral("i20"));  // case-insensitive
+    EXPECT_EQ(listedNames(), (QStringList{"I20a", "I20b"}));
+    QInputMethodEvent chinese;
+    chinese.setCommitString(QStringLiteral("工字"));
+    QApplication::sendEvent(filter, &chinese);
+    EXPECT_EQ(filter->text(), QStringLiteral("i20工字"));
+    EXPECT_EQ(list()->model()->rowCount(), all);
+    filter->clear();
+    EXPECT_EQ(filter->placeholderText(), QStringLiteral("快速搜索，如:C 200*70*20*2"));
+
+    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QString()));
+    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("C 200*70")));
+    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("a\u4E00")));
+    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA5")));
+    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA6\u4DFF")));
+}
+
+TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsIt) {
+    chooseType(stI);
+    EXPECT_FALSE(button(QStringLiteral("编辑自定义截面"))->isEnabled());
+    clickRow(rowOf(QStringLiteral("I20a")));
+    EXPECT_TRUE(button(QStringLiteral("查看截面样式"))->isEnabled());
+    clickRow(rowOf(QStringLiteral("I20a")), true);
+    EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
+    EXPECT_TRUE(m_boxes.isEmpty());
+    EXPECT_EQ(m_dialog->selectionKind(), 1);
+    EXPECT_EQ(m_dialog->result().paramManager, nullptr);
+    const auto info = m_dialog->getSelSectionInfo();
+    EXPECT_EQ(info.typeName, QStringLiteral("热轧工字钢"));
+    EXPECT_EQ(info.specification, QStringLiteral("I20a"));
+    EXPECT_NE(info.specificationKey, 0);
+    EXPECT_DOUBLE_EQ(info.insertPointX, 50);
+    EXPECT_DOUBLE_EQ(info.insertPointY, 100);
+    EXPECT_DOUBLE_EQ(info.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
+    EXPECT_GT(info.weightPerMetre, 27);
+    EXPECT_DOUBLE_EQ(info.surfacePerMetre, SKRSectionPolyDialog::getAPMByNorm(QStringLiteral("I20a")));
+
+    const auto fresh = SKRSectionPolyDialog::defaultSectionInfo(s_model);
+    EXPECT_EQ(fresh.specification, QStringLiteral("I20a"));
+    EXPECT_DOUBLE_EQ(fresh.weightPerMetre, info.weightPerMetre);
+}
+
+TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
+    chooseType(stWeldedH);
+    SKRParamEditor* params = editor();
+    ASSERT_GE(params->lineEditCount(), 4);
+    QLineEdit* h = params->lineEdit(0);
+    h->setFocus();
+    h->clear();
+    QTest::keyClicks(h, QStringLiteral("."));  // a leading point is refused
+    EXPECT_TRUE(h->text().isEmpty());
+    EXPECT_TRUE(params->message().startsWith(QStringLiteral("h:请输入"))) << params->message().toStdString();
+    QTest::keyClicks(h, QStringLiteral("400"));
+    QTest::keyClick(h, Qt::Key_Return);  // Return moves to the next field
+    EXPECT_EQ(m_dialog->focusWidget(), params->lineEdit(1));
+    EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_welded")));
+
+    // A web as wide as the flange fails the norm's rule b>tw: the dialog says so and stays open.
+    params->lineEdit(1)->setText(QStringLiteral("8"));
+    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_TRUE(m_dialog->isVisible());
+    params->lineEdit(1)->setText(QStringLiteral("200"));
+    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    EXPECT_EQ(m_boxes.size(), 1) << m_boxes.join(' ').toStdString();
+    EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
+    const SKRSectionPolyDlgResult result = m_dialog->result();
+    EXPECT_EQ(result.paramManager, m_dialog->polyParamManager());
+    EXPECT_FALSE(result.singleMemberInput);
+    const auto info = m_dialog->getSelSectionInfo();
+    EXPECT_EQ(info.typeName, QStringLiteral("焊接H型钢"));
+    EXPECT_TRUE(info.specification.startsWith(QStringLiteral("H400*"))) << info.specification.toStdString();
+    EXPECT_DOUBLE_EQ(info.insertPointY, 200);
+    EXPECT_EQ(info.weightPerMetre, 0.0);
+}
+
+TEST_F(SectionPolyDialog, RestrictionNamesTheAcceptedTypesOnce) {
+    m_dialog->setAcceptSectionalType({stWeldedH, stWeldedH}, QStringLiteral("柱截面"));
+    const QString expected = QStringLiteral("仅支持柱截面为“焊接H型钢”,请选择“焊接H型钢”截面");
+    EXPECT_EQ(m_dialog->acceptMessage(), expected);
+    chooseType(stI);
+    clickRow(rowOf(QStringLiteral("I20a")), true);
+    ASSERT_EQ(m_boxes, QStringList{expected});
+    EXPECT_TRUE(m_dialog->isVisible());
+    chooseType(stWeldedH);
+    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    EXPECT_EQ(m_boxes.size(), 1);
+    EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
+}
+
+TEST_F(SectionPolyDialog, SetParameterPositionsOnAnyParsedSection) {
+    SKRSectionPolyInfoParser parser;
+    parser.parser(QStringLiteral("H400*200*8*13"));
+    m_dialog->setParameter(parser.sectionPolyInfo());
+    ASSERT_NE(editor()->lineEdit(0), nullptr);
+    EXPECT_EQ(editor()->lineEdit(0)->text(), QStringLiteral("400"));
+    EXPECT_EQ(editor()->lineEdit(1)->text(), QStringLiteral("200"));
+
+    parser.parser(QStringLiteral("hn400*200*8*13"));
+    m_dialog->setParameter(parser.sectionPolyInfo());
+    ASSERT_TRUE(list()->currentIndex().isValid());
+    EXPECT_EQ(list()->currentIndex().data().toString(), QStringLiteral("HN400*200*8*13"));
+
+    parser.parser(QStringLiteral("WSR300*8"));
+    m_dialog->setParameter(parser.sectionPolyInfo());
+    auto* forms = child<QComboBox>(QStringLiteral("ballCombo"));
+    EXPECT_TRUE(forms->isVisible());
+    EXPECT_EQ(forms->currentText(), QStringLiteral("加肋焊接空心球"));
+    EXPECT_EQ(m_dialog->polyParamManager()->ribFlag(), 1);
+    forms->setCurrentIndex(0);
+    EXPECT_EQ(m_dialog->polyParamManager()->ribFlag(), 0);
+    EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_weld_ball")));
+}
+
+TEST_F(SectionPolyDialog, DeletingAUserSectionAsksAndCanBeUndone) {
+    auto* user = skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>();
+    SKRHotRollingSection section;
+    section.sectionType = stI;
+    section.subId = 1;
+    section.standardName = L"I99x(ZDY)";
+    section.weightMeter = 12.5;
+    ASSERT_TRUE(user->addSection(section));
+    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);  // lists the sections there are when it opens
+    m_dialog->show();
+    VMPCmdLogTool* log = VMPCmdLogTool::getInstance();
+    log->setDatabase(s_model->getProjectDB());
+    int calls = 0;
+    m_dialog->deleteCustomSectionHandler([&](const SKRHotRollingSection& doomed) {
+        ++calls;
+        user->removeSection(doomed.sectionType, doomed.subId);
+    });
+    chooseType(stI);
+    ASSERT_GE(rowOf(QStringLiteral("I99x(ZDY)")), 0);
+    clickRow(rowOf(QStringLiteral("I99x(ZDY)")));
+    EXPECT_TRUE(button(QStringLiteral("编辑自定义截面"))->isEnabled());
+
+    m_answer = QMessageBox::Cancel;
+    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    ASSERT_EQ(m_boxes, QStringList{QStringLiteral("删除该自定义截面，将会删除三维模型中的所有该截面图元和构件")});
+    EXPECT_EQ(calls, 0);
+    EXPECT_FALSE(log->canUndo());
+
+    m_answer = QMessageBox::Ok;
+    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    EXPECT_EQ(calls, 1);
+    EXPECT_FALSE(user->findByName(L"I99x(ZDY)").first);
+    EXPECT_EQ(rowOf(QStringLiteral("I99x(ZDY)")), -1);
+    EXPECT_EQ(log->undoText(), QStringLiteral("撤消“删除自定义热轧截面”操作"));
+    ASSERT_TRUE(log->undo());
+    EXPECT_TRUE(user->findByName(L"I99x(ZDY)").first);
+    EXPECT_EQ(log->redoText(), QStringLiteral("恢复“删除自定义热轧截面”操作"));
+    ASSERT_TRUE(log->redo());
+    EXPECT_FALSE(user->findByName(L"I99x(ZDY)").first);
+    log->setDatabase(nullptr);
+}
+
+TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOne) {
+    chooseType(stZSection);
+    QStringList typedInto;
+    // The add dialog is modal: it is filled in while it runs.
+    auto fill = [&](const QString& size) {
+        QTimer::singleShot(0, [&, size] {
+            QWidget* modal = QApplication::activeModalWidget();
+            ASSERT_NE(modal, m_dialog.get());
+            const QList<QLineEdit*> fields = modal->findChildren<QLineEdit*>();
+            fields[0]->setText(QStringLiteral("Z"));
+            fields[1]->setText(size);
+            fields[2]->setText(QStringLiteral("12"));
+            fields[3]->setText(QStringLiteral("0.9"));
+            typedInto << modal->windowTitle();
+            for (QPushButton* b : modal->findChildren<QPushButton*>())
+                if (b->text() == QStringLiteral("确定")) b->click();
+            if (modal->isVisible()) static_cast<QDialog*>(modal)->reject();
+        });
+        QTest::mouseClick(button(QStringLiteral("添加自定义截面")), Qt::LeftButton);
+    };
+    fill(QStringLiteral("271*80*8*3"));
+    EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
+    ASSERT_TRUE(list()->currentIndex().isValid());
+    EXPECT_EQ(list()->currentIndex().data().toString(), QStringLiteral("Z271*80*8*3(ZDY)"));
+    fill(QStringLiteral("271*80*8*3"));
+    EXPECT_EQ(m_boxes, QStringList{QStringLiteral("注：规格名称已存在,请重新输入.")});
+    EXPECT_EQ(typedInto, (QStringList{"添加自定义截面", "添加自定义截面"}));
+    EXPECT_EQ(listedNames().count(QStringLiteral("Z271*80*8*3(ZDY)")), 1);
+}
