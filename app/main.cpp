@@ -1,9 +1,11 @@
-// bxq: the reference host of the BXQExtend library, on the command line.
+// bxq: the reference host of the BXQExtend library, on the command line and as a window.
 #include "app/BXQCommand.h"
+#include "app/BXQMainWindow.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <functional>
 #include <map>
@@ -13,6 +15,7 @@ namespace {
 const char kUsage[] =
     "usage: bxq VERB [options] [arguments]\n"
     "verbs:\n"
+    "  gui [--project FILE] [--lang en]    the section library and face-steel dialogs in a window\n"
     "  parse [--json] [--lang en] [--ball-expr EXPR] [--project FILE] TEXT...\n"
     "                                      parse section texts (- reads stdin)\n"
     "  catalogue [--type N] [--json]       list the hot-rolled section catalogue\n"
@@ -35,6 +38,14 @@ const char kUsage[] =
 }  // namespace
 
 int main(int argc, char** argv) {
+    // The window needs a QApplication, which must be the only application object.
+    if (argc > 1 && std::strcmp(argv[1], "gui") == 0) {
+        try {
+            return bxq::runGui(argc, argv);
+        } catch (const std::exception& e) {
+            return bxq::dataError(QString::fromUtf8(e.what()));
+        }
+    }
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("bxq"));
     const QStringList arguments = QCoreApplication::arguments();

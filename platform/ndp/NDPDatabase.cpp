@@ -131,7 +131,12 @@ bool CDatabase::begin() {
         setError(QStringLiteral("cannot start a transaction"));
         return false;
     }
+    m_flushedChanges = sqlite3_total_changes(m_db);
     return true;
+}
+
+bool CDatabase::HasUnflushedChanges() const {
+    return m_db && !m_readOnly && sqlite3_total_changes(m_db) != m_flushedChanges;
 }
 
 void CDatabase::Close() {

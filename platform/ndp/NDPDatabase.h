@@ -34,6 +34,9 @@ public:
     void Close();
     // Commits every write since the last flush, durably.
     bool Flush();
+    // Whether rows were written since the file was opened or last flushed (even when a later
+    // write restored them).
+    bool HasUnflushedChanges() const;
 
     bool IsOpen() const { return m_db != nullptr; }
     bool IsReadOnly() const { return m_readOnly; }
@@ -59,6 +62,7 @@ private:
     QString m_path;
     QString m_lastError;
     bool m_readOnly = false;
+    int m_flushedChanges = 0;
     std::map<std::wstring, std::vector<CDBField>> m_schema;
     std::map<std::wstring, std::unique_ptr<CDBTable>> m_tables;
 };
