@@ -1,10 +1,11 @@
-// Benchmark entry point: Qt Script needs a QCoreApplication before the first engine.
+// Benchmark entry point: a QApplication (Qt Script needs an application before the first engine,
+// the dialog benchmarks widgets), on the offscreen platform unless the run asks for another.
 // "--write-corpus FILE N" and "--write-distinct-corpus FILE N" write a section corpus and exit.
 #include "bench/SectionCorpus.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <cstdio>
 #include <cstring>
@@ -31,7 +32,8 @@ int writeCorpus(int argc, char** argv, bool distinct) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     if (argc > 1 && std::strcmp(argv[1], "--write-corpus") == 0) return writeCorpus(argc, argv, false);
     if (argc > 1 && std::strcmp(argv[1], "--write-distinct-corpus") == 0) return writeCorpus(argc, argv, true);
     benchmark::Initialize(&argc, argv);

@@ -19,6 +19,130 @@
         <source>表达式有误</source>
         <translation>The expression is wrong</translation>
     </message>
+    <message>
+        <source>截面库</source>
+        <translation>Section Library</translation>
+    </message>
+    <message>
+        <source>快速搜索，如:C 200*70*20*2</source>
+        <translation>Quick search, e.g. C 200*70*20*2</translation>
+    </message>
+    <message>
+        <source>截面规格：</source>
+        <translation>Specification:</translation>
+    </message>
+    <message>
+        <source>添加自定义截面</source>
+        <translation>Add Custom Section</translation>
+    </message>
+    <message>
+        <source>编辑自定义截面</source>
+        <translation>Edit Custom Section</translation>
+    </message>
+    <message>
+        <source>删除自定义截面</source>
+        <translation>Delete Custom Section</translation>
+    </message>
+    <message>
+        <source>单构件输入</source>
+        <translation>Single member input</translation>
+    </message>
+    <message>
+        <source>查看型钢代号表</source>
+        <translation>Section codes</translation>
+    </message>
+    <message>
+        <source>查看截面样式</source>
+        <translation>Section style</translation>
+    </message>
+    <message>
+        <source>焊接球形式：</source>
+        <translation>Weld ball form:</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>提示</source>
+        <translation>Notice</translation>
+    </message>
+    <message>
+        <source>删除该自定义截面，将会删除三维模型中的所有该截面图元和构件</source>
+        <translation>Deleting this custom section deletes every element and member of this section in the 3D model</translation>
+    </message>
+    <message>
+        <source>删除自定义热轧截面</source>
+        <translation>delete custom hot-rolled section</translation>
+    </message>
+    <message>
+        <source>添加自定义热轧截面</source>
+        <translation>add custom hot-rolled section</translation>
+    </message>
+    <message>
+        <source>编辑自定义热轧截面</source>
+        <translation>edit custom hot-rolled section</translation>
+    </message>
+    <message>
+        <source>撤消“%1”操作</source>
+        <translation>Undo “%1”</translation>
+    </message>
+    <message>
+        <source>恢复“%1”操作</source>
+        <translation>Redo “%1”</translation>
+    </message>
+    <message>
+        <source>仅支持</source>
+        <translation>Only </translation>
+    </message>
+    <message>
+        <source>为“</source>
+        <translation> of type “</translation>
+    </message>
+    <message>
+        <source>”,请选择“</source>
+        <translation>” is supported, please choose a “</translation>
+    </message>
+    <message>
+        <source>”截面</source>
+        <translation>” section</translation>
+    </message>
+    <message>
+        <source>请在左侧选择截面类型</source>
+        <translation>Choose a section type on the left</translation>
+    </message>
+    <message>
+        <source>请在列表中选择一个截面规格</source>
+        <translation>Choose a section in the list</translation>
+    </message>
+    <message>
+        <source>型钢代号表</source>
+        <translation>Section codes</translation>
+    </message>
+    <message>
+        <source>规格</source>
+        <translation>Specification</translation>
+    </message>
+    <message>
+        <source>延米重(kg/m)</source>
+        <translation>kg/m</translation>
+    </message>
+    <message>
+        <source>表面积(m2/m)</source>
+        <translation>m2/m</translation>
+    </message>
+    <message>
+        <source>延米重(kg/m):</source>
+        <translation>Weight (kg/m):</translation>
+    </message>
+    <message>
+        <source>表面积(m2/m):</source>
+        <translation>Surface (m2/m):</translation>
+    </message>
 </context>
 <context>
     <name>SKRNumericValidator</name>
@@ -54,6 +178,176 @@
     <message>
         <source>自定义截面类型</source>
         <translation>CustomSectionType</translation>
+    </message>
+</context>
+<context>
+    <name>SKRUserHotRollingSectionDialog</name>
+    <message>
+        <source>添加自定义截面</source>
+        <translation>Add Custom Section</translation>
+    </message>
+    <message>
+        <source>编辑自定义截面</source>
+        <translation>Edit Custom Section</translation>
+    </message>
+    <message>
+        <source>截面代号(ZDY)</source>
+        <translation>Section code (ZDY)</translation>
+    </message>
+    <message>
+        <source>规格尺寸:</source>
+        <translation>Size:</translation>
+    </message>
+    <message>
+        <source>延米重(kg/m):</source>
+        <translation>Weight (kg/m):</translation>
+    </message>
+    <message>
+        <source>表面积(m2/m):</source>
+        <translation>Surface (m2/m):</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>提示</source>
+        <translation>Notice</translation>
+    </message>
+    <message>
+        <source>输入的“规格尺寸”有误，请查证。</source>
+        <translation>The size entered is wrong, please check it.</translation>
+    </message>
+    <message>
+        <source>注：规格名称已存在,请重新输入.</source>
+        <translation>Note: this specification exists already, please enter another.</translation>
+    </message>
+    <message>
+        <source>注:自定义截面会在规格字符串后自动增加-(ZDY),如Z270*80*8*3(ZDY)</source>
+        <translation>Note: a custom section gets (ZDY) appended to its specification, e.g. Z270*80*8*3(ZDY)</translation>
+    </message>
+    <message>
+        <source>注:编辑自定义截面,无法修改截面代号和规格尺寸.</source>
+        <translation>Note: the code and size of a custom section cannot be changed.</translation>
+    </message>
+</context>
+<context>
+    <name>BXQMainWindow</name>
+    <message>
+        <source>截面类型</source>
+        <translation>Section type</translation>
+    </message>
+    <message>
+        <source>规格</source>
+        <translation>Specification</translation>
+    </message>
+    <message>
+        <source>插入点</source>
+        <translation>Insertion point</translation>
+    </message>
+    <message>
+        <source>延米重(kg/m)</source>
+        <translation>kg/m</translation>
+    </message>
+    <message>
+        <source>表面积(m2/m)</source>
+        <translation>m2/m</translation>
+    </message>
+    <message>
+        <source>面钢类别</source>
+        <translation>Plate class</translation>
+    </message>
+    <message>
+        <source>厚度(mm)</source>
+        <translation>Thickness (mm)</translation>
+    </message>
+    <message>
+        <source>重量(kg/m2)</source>
+        <translation>Weight (kg/m2)</translation>
+    </message>
+    <message>
+        <source>自定义截面</source>
+        <translation>Custom section</translation>
+    </message>
+    <message>
+        <source>类型</source>
+        <translation>Type</translation>
+    </message>
+    <message>
+        <source>所选截面</source>
+        <translation>Chosen sections</translation>
+    </message>
+    <message>
+        <source>所选面钢</source>
+        <translation>Chosen plates</translation>
+    </message>
+    <message>
+        <source>项目的自定义截面</source>
+        <translation>The project's custom sections</translation>
+    </message>
+    <message>
+        <source>截面库...</source>
+        <translation>Section Library...</translation>
+    </message>
+    <message>
+        <source>面钢...</source>
+        <translation>Face Steel...</translation>
+    </message>
+    <message>
+        <source>撤消</source>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>恢复</source>
+        <translation>Redo</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>退出</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>项目</source>
+        <translation>Project</translation>
+    </message>
+    <message>
+        <source>编辑</source>
+        <translation>Edit</translation>
+    </message>
+    <message>
+        <source>截面</source>
+        <translation>Sections</translation>
+    </message>
+    <message>
+        <source>工具</source>
+        <translation>Tools</translation>
+    </message>
+    <message>
+        <source>无法撤消</source>
+        <translation>Cannot undo</translation>
+    </message>
+    <message>
+        <source>无法恢复</source>
+        <translation>Cannot redo</translation>
+    </message>
+    <message>
+        <source>已保存</source>
+        <translation>Saved</translation>
+    </message>
+    <message>
+        <source>提示</source>
+        <translation>Notice</translation>
+    </message>
+    <message>
+        <source>项目已修改，是否保存？</source>
+        <translation>The project was changed. Save it?</translation>
     </message>
 </context>
 </TS>

@@ -4,6 +4,8 @@
 // section, and adding and deleting user sections with undo.
 #include "section_dialog/SKRSectionPolyDialog.h"
 
+#include "plugin/BXQTranslations.h"
+
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_dialog/SKRParamEditor.h"
 #include "section_dialog/SKRPolyParamManger.h"
@@ -314,4 +316,18 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
     EXPECT_EQ(m_boxes, QStringList{QStringLiteral("注：规格名称已存在,请重新输入.")});
     EXPECT_EQ(typedInto, (QStringList{"添加自定义截面", "添加自定义截面"}));
     EXPECT_EQ(listedNames().count(QStringLiteral("Z271*80*8*3(ZDY)")), 1);
+}
+
+// Last in the file: the translation stays installed for the rest of the process.
+TEST_F(SectionPolyDialog, SpeaksTheInstalledLanguage) {
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    SKRSectionPolyDialog dialog(s_model);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Section Library"));
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("filterEdit"))->placeholderText(),
+              QStringLiteral("Quick search, e.g. C 200*70*20*2"));
+    dialog.setAcceptSectionalType({stWeldedH}, QStringLiteral("the column"));
+    EXPECT_EQ(dialog.acceptMessage(),
+              QStringLiteral("Only the column of type “焊接H型钢” is supported, please choose a “焊接H型钢” section"));
+    dialog.show();
+    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("section_dialog_en")));
 }
