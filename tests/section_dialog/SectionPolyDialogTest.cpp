@@ -168,10 +168,19 @@ TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsIt) {
     EXPECT_DOUBLE_EQ(info.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
     EXPECT_GT(info.weightPerMetre, 27);
     EXPECT_DOUBLE_EQ(info.surfacePerMetre, SKRSectionPolyDialog::getAPMByNorm(QStringLiteral("I20a")));
+}
 
+TEST_F(SectionPolyDialog, DefaultSectionInfoSetsTheRepositoryUpWhenTheHostHasNot) {
+    m_dialog.reset();
+    delete skr::util::FetchInstance<skr::section::SectionRepository>();
+    skr::UninitBXQSteelRepository();
+    ASSERT_EQ(skr::util::FetchInstance<skr::section::SKRHotRollingSectionDBProvider>(), nullptr);
     const auto fresh = SKRSectionPolyDialog::defaultSectionInfo(s_model);
+    EXPECT_NE(skr::util::FetchInstance<skr::section::SectionRepository>(), nullptr);
+    EXPECT_EQ(fresh.typeName, QStringLiteral("热轧工字钢"));
     EXPECT_EQ(fresh.specification, QStringLiteral("I20a"));
-    EXPECT_DOUBLE_EQ(fresh.weightPerMetre, info.weightPerMetre);
+    EXPECT_DOUBLE_EQ(fresh.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
+    EXPECT_DOUBLE_EQ(fresh.insertPointY, 100);
 }
 
 TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
