@@ -54,6 +54,7 @@ QVariant SKRPolyImgTableModel::data(const QModelIndex& index, int role) const {
         }
         return QVariant();
     case Qt::DecorationRole: {
+        if (!item->picture.isNull()) return item->picture;
         if (item->polyId == 0 || item->pictureName.isEmpty()) return QVariant();
         auto cached = m_oIcons.find(item->pictureName);
         if (cached == m_oIcons.end()) {

@@ -18,6 +18,7 @@ public:
         int polyId = 0;  // 0 on a group's title row
         QString name;
         QString pictureName;
+        QPixmap picture;  // drawn by the caller (custom sections); else the named resource
     };
 
     explicit SKRPolyImgTableModel(int columns = 3, QObject* parent = nullptr);

@@ -76,7 +76,21 @@ bool SKRPolyParamManger::setSectionType(int sectionType) {
     for (const SectionParam& param : m_oParams) m_oValues << param.defVal;
     m_bCatalogue = false;
     m_oCatalogue = SKRHotRollingSection();
+    m_bCustom = false;
     return true;
+}
+
+void SKRPolyParamManger::setCustomSection(int id, const QString& description, double insertPointX,
+                                          double insertPointY) {
+    m_iSectionType = stCustomBase + id;
+    m_oParams.clear();
+    m_oValues.clear();
+    m_bCatalogue = false;
+    m_oCatalogue = SKRHotRollingSection();
+    m_bCustom = true;
+    m_strCustomName = description;
+    m_strCustomInsertPoint = QString::number(insertPointX, 'g', 15) + QLatin1Char(',') +
+                             QString::number(insertPointY, 'g', 15);
 }
 
 bool SKRPolyParamManger::setParamValue(int index, const QString& text) {
@@ -152,6 +166,7 @@ QMap<QString, double> SKRPolyParamManger::numericValues() const {
 }
 
 QString SKRPolyParamManger::specification() const {
+    if (m_bCustom) return m_strCustomName.simplified();
     if (m_bCatalogue) return QString::fromStdWString(m_oCatalogue.standardName).simplified();
     if (isNormType(m_iSectionType)) {
         QStringList pieces;
@@ -180,6 +195,7 @@ qint64 SKRPolyParamManger::specificationKey() const {
 }
 
 QString SKRPolyParamManger::insertPoint() const {
+    if (m_bCustom) return m_strCustomInsertPoint;
     const auto scheme = typeScheme(m_iSectionType);
     if (!scheme.first) return QStringLiteral("0,0");
     const QMap<QString, double> values = numericValues();
@@ -194,7 +210,7 @@ bool SKRPolyParamManger::checkParams(QString* message, int* index) const {
         return false;
     };
     if (index) *index = -1;
-    if (m_bCatalogue) return true;
+    if (m_bCatalogue || m_bCustom) return true;
     if (m_oParams.isEmpty()) return fail(dialogText("截面规格输入错误，请重新输入截面信息"), -1);
     for (int i = 0; i < m_oParams.size(); ++i) {
         bool number = false;

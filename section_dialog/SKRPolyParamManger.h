@@ -35,6 +35,10 @@ public:
     // A catalogue row: its type, its dimensions where the type has them, its name as the text.
     bool setCatalogueSection(const skr::section::SKRHotRollingSection& row);
     bool isCatalogueSection() const { return m_bCatalogue; }
+    // A user-drawn custom polygon section (type 7000 + id): its description is its specification
+    // and its stored insertion point is used as it is.
+    void setCustomSection(int id, const QString& description, double insertPointX, double insertPointY);
+    bool isCustomSection() const { return m_bCustom; }
     // Positions on the shipped catalogue row of the type whose dimensions are the current values
     // (type 1 at its defaults is I20a); false, changing nothing, when none is.
     bool matchCatalogueRow();
@@ -69,4 +73,7 @@ private:
     QVector<QString> m_oValues;
     bool m_bCatalogue = false;
     skr::section::SKRHotRollingSection m_oCatalogue;
+    bool m_bCustom = false;
+    QString m_strCustomName;
+    QString m_strCustomInsertPoint;
 };

@@ -14,8 +14,12 @@
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
+#include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
+#include "ndp/NDPPolygon.h"
+#include "ndp/NDPRef.h"
+#include "section_geometry/SKRSectionPainter.h"
 #include "ui/VMPMessageBox.h"
 #include "vmp/IVMPModel.h"
 #include "vmp/VMPCmdLogTool.h"
@@ -29,6 +33,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -128,15 +133,18 @@ void SKRSectionPolyDialog::initUI() {
 
 QWidget* SKRSectionPolyDialog::createLeftWidget() {
     QVector<SKRPolyImgTableModel::Item> groups, types;
-    for (auto it = m_oGroupMap.cbegin(); it != m_oGroupMap.cend(); ++it) groups.push_back({it.key(), 0, it.value(), {}});
+    for (auto it = m_oGroupMap.cbegin(); it != m_oGroupMap.cend(); ++it) groups.push_back({it.key(), 0, it.value(), {}, {}});
     ndp::CFileAddressList all;
     if (m_pPolyTable && m_pPolyTable->ListAll(all)) {
         for (int i = 0; i < all.GetCount(); ++i) {
             const VMPDBRecord row(m_pPolyTable, all.GetItem(i));
             types.push_back({row.getInteger("GroupID", 0), row.getInteger("PolyID", 0),
-                             row.getString("PolyName", QString()), row.getString("PolyPicName", QString())});
+                             row.getString("PolyName", QString()), row.getString("PolyPicName", QString()), {}});
         }
     }
+    readCustomSections();
+    for (const CustomPolygon& custom : m_oCustomPolygons)
+        types.push_back({sgCustom, stCustomBase + custom.id, custom.description, QString(), custom.picture});
     m_pPolyModel = new SKRPolyImgTableModel(3, this);
     m_pPolyModel->setGroups(groups, types);
     m_pPolyView = new VantorTableView(this);
@@ -163,6 +171,33 @@ QWidget* SKRSectionPolyDialog::createLeftWidget() {
     m_pPolyView->setFixedWidth(112 * m_pPolyModel->columnCount() + 22);
     m_pPolyView->installEventFilter(this);
     return m_pPolyView;
+}
+
+// The project's user-drawn polygons in the custom group, each drawn from its outline.
+void SKRSectionPolyDialog::readCustomSections() {
+    m_oCustomPolygons.clear();
+    ndp::CDatabase* project = m_pModel ? m_pModel->getProjectDB() : nullptr;
+    ndp::CDBTable* table = project ? project->GetTable(L"CustomPoly") : nullptr;
+    ndp::CFileAddressList all;
+    if (!table || !table->ListAll(all)) return;
+    const int polyData = table->FindField(L"PolyData");
+    for (int i = 0; i < all.GetCount(); ++i) {
+        const VMPDBRecord row(table, all.GetItem(i));
+        ndp::CRef<ndp::CDBRecord> record(table->GetRecord(all.GetItem(i)));
+        CustomPolygon custom;
+        custom.id = row.getInteger("ID", 0);
+        custom.description = row.getString("Description", QString());
+        custom.insertPoint = QPointF(row.getDouble("InsertPointX", 0.0), row.getDouble("InsertPointY", 0.0));
+        custom.polygon = std::make_shared<ndp::CPolygon>();
+        if (!record.get() || polyData < 0 || !record.get()->GetPolygon(polyData, *custom.polygon)) continue;
+        custom.picture = QPixmap(SKRPolyImgTableModel::iconSize());
+        custom.picture.fill(Qt::white);
+        QPainter painter(&custom.picture);
+        skr::geometry::paintSection(painter, skr::geometry::sectionPath(*custom.polygon),
+                                    QRectF(QPointF(4, 4), QSizeF(custom.picture.size()) - QSizeF(8, 8)));
+        painter.end();
+        m_oCustomPolygons.insert(stCustomBase + custom.id, custom);
+    }
 }
 
 QWidget* SKRSectionPolyDialog::createHotRolledPage() {
@@ -237,6 +272,8 @@ QWidget* SKRSectionPolyDialog::createRightWidget() {
     m_pStack->addWidget(m_pHintPage);
     m_pStack->addWidget(createHotRolledPage());
     m_pStack->addWidget(createParamPage());
+    m_pCustomPreview = new SKRSectionPreview(right);
+    m_pStack->addWidget(m_pCustomPreview);
 
     m_pSingleMember = new VantorCheckBox(text("单构件输入"), right);
     m_pSingleMember->setChecked(false);
@@ -310,7 +347,14 @@ void SKRSectionPolyDialog::showHotRollWidget(const QModelIndex& index) {
         catalogueRowChanged();
         return;
     }
-    if (isCatalogueType(item->polyId)) {
+    if (m_oCustomPolygons.contains(item->polyId)) {
+        const CustomPolygon& custom = m_oCustomPolygons[item->polyId];
+        m_pParamManager->setCustomSection(custom.id, custom.description, custom.insertPoint.x(), custom.insertPoint.y());
+        m_pCustomPreview->setPolygon(*custom.polygon);
+        m_iSelectionKind = 0;
+        m_pSectionStyleButton->setEnabled(false);
+        m_pStack->setCurrentWidget(m_pCustomPreview);
+    } else if (isCatalogueType(item->polyId)) {
         m_pParamManager->setSectionType(item->polyId);
         m_pHotRolledFilter->setSectionType(item->polyId);
         m_iSelectionKind = 1;
@@ -403,6 +447,7 @@ void SKRSectionPolyDialog::setParameter(const GSectionPolyInfo& info) {
     if (!cell.isValid()) return;
     m_pPolyView->setCurrentIndex(cell);
     m_pPolyView->scrollTo(cell);
+    if (m_oCustomPolygons.contains(info.sectionType)) return showHotRollWidget(cell);
     if (isCatalogueType(info.sectionType)) {
         m_pFilterEdit->clear();
         showHotRollWidget(cell);
@@ -501,6 +546,7 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(cons
     const auto scheme =
         schemes ? schemes->findScheme(manager.sectionType()) : std::make_pair(false, skr::section::SectionScheme());
     info.typeName = scheme.first ? scheme.second.polyName : QString();
+    if (manager.isCustomSection()) info.typeName = SKRSectionPolyInfoParser::customSectionKeyword();
     info.specification = manager.specification();
     info.specificationKey = manager.specificationKey();
     const QStringList point = manager.insertPoint().split(QLatin1Char(','));

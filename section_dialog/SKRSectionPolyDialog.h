@@ -12,6 +12,8 @@
 #include "ui/VantorFrame.h"
 
 #include <QMap>
+#include <QPixmap>
+#include <QPointF>
 #include <QVector>
 
 #include <functional>
@@ -27,10 +29,12 @@ class SKRHotRollingInfoWidget;
 class SKRHotRollingListModel;
 class SKRParamEditor;
 class SKRPolyImgTableModel;
+class SKRSectionPreview;
 class SKRPolyParamManger;
 namespace ndp {
 class CDatabase;
 class CDBTable;
+class CPolygon;
 }  // namespace ndp
 
 // What the dialog returns to the host.
@@ -112,6 +116,7 @@ private:
     void initPolyGroupMap();
     void initUI();
     QWidget* createLeftWidget();
+    void readCustomSections();
     QWidget* createRightWidget();
     QWidget* createHotRolledPage();
     QWidget* createParamPage();
@@ -143,6 +148,14 @@ private:
     SectionHandler m_fnModify;
     SectionHandler m_fnDelete;
     QVector<int> m_oBallRibFlags;  // the rib flag of each weld-ball form listed
+    struct CustomPolygon {
+        int id = 0;
+        QString description;
+        QPointF insertPoint;
+        std::shared_ptr<ndp::CPolygon> polygon;
+        QPixmap picture;
+    };
+    QMap<int, CustomPolygon> m_oCustomPolygons;  // by section type, 7000 + id
 
     VantorTableView* m_pPolyView = nullptr;
     SKRPolyImgTableModel* m_pPolyModel = nullptr;
@@ -151,6 +164,7 @@ private:
     QWidget* m_pHotRolledPage = nullptr;
     QWidget* m_pParamPage = nullptr;
     SKRParamEditor* m_pParamEditor = nullptr;
+    SKRSectionPreview* m_pCustomPreview = nullptr;
     VantorLineEdit* m_pFilterEdit = nullptr;
     BXQVantorTableView* m_pHotRolledView = nullptr;
     SKRHotRollingListModel* m_pHotRolledModel = nullptr;

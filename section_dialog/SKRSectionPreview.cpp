@@ -30,13 +30,16 @@ void SKRSectionPreview::setSpecification(const QString& specification) {
 void SKRSectionPreview::clear() { setOutline(QString(), QString()); }
 
 void SKRSectionPreview::setOutline(const QString& outline, const QString& failure) {
+    if (const auto polygon = outline.isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(outline))
+        return setPolygon(*polygon);
     m_path = QPainterPath();
     m_caption = failure;
-    if (const auto polygon = outline.isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(outline)) {
-        m_path = skr::geometry::sectionPath(*polygon);
-        const ndp::CSectionProperties properties = ndp::SectionProperties(*polygon);
-        m_caption = QStringLiteral("A = %1 mm²").arg(properties.area, 0, 'f', 1);
-    }
+    update();
+}
+
+void SKRSectionPreview::setPolygon(const ndp::CPolygon& polygon) {
+    m_path = skr::geometry::sectionPath(polygon);
+    m_caption = QStringLiteral("A = %1 mm²").arg(ndp::SectionProperties(polygon).area, 0, 'f', 1);
     update();
 }
 

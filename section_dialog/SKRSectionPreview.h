@@ -6,6 +6,10 @@
 #include <QPainterPath>
 #include <QWidget>
 
+namespace ndp {
+class CPolygon;
+}
+
 class SKRSectionPreview : public QWidget {
     Q_OBJECT
 public:
@@ -16,6 +20,8 @@ public:
     void setSection(int sectionType, const QMap<QString, double>& values);
     // The outline of a specification text (a catalogue name takes its catalogue radii).
     void setSpecification(const QString& specification);
+    // A polygon as it is (a user-drawn custom section).
+    void setPolygon(const ndp::CPolygon& polygon);
     void clear();
 
     bool hasOutline() const { return !m_path.isEmpty(); }

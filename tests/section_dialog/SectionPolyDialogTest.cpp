@@ -7,9 +7,12 @@
 #include "plugin/BXQTranslations.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRSectionDbOperation.h"
 #include "section_dialog/SKRParamEditor.h"
 #include "section_dialog/SKRPolyParamManger.h"
+#include "section_geometry/SKRSectionPolygonParser.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
+#include "ndp/NDPPolygon.h"
 #include "ui/VMPMessageBox.h"
 #include "vmp/VMPCmdLogTool.h"
 #include "vmp/VMPUserTrace.h"
@@ -325,6 +328,34 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
     EXPECT_EQ(m_boxes, QStringList{QStringLiteral("注：规格名称已存在,请重新输入.")});
     EXPECT_EQ(typedInto, (QStringList{"添加自定义截面", "添加自定义截面"}));
     EXPECT_EQ(listedNames().count(QStringLiteral("Z271*80*8*3(ZDY)")), 1);
+}
+
+TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
+    const auto rectangle = skr::geometry::ParseSectionPolygon(QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"));
+    ASSERT_TRUE(rectangle);
+    SKRCustomPolyInfo drawn;
+    drawn.polygon = rectangle.get();
+    drawn.insertPointX = 50;
+    drawn.insertPointY = 25;
+    ASSERT_TRUE(SKRSectionDbOperation(s_model->getProjectDB()).addCustomPoly(drawn));
+    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
+    m_dialog->show();
+    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    const QModelIndex title = view->model()->index(view->model()->rowCount() - 2, 0);
+    EXPECT_EQ(title.data().toString(), QStringLiteral("自定义截面"));
+    EXPECT_FALSE(view->model()->index(view->model()->rowCount() - 1, 0).data(Qt::DecorationRole).value<QPixmap>().isNull());
+
+    m_dialog->setParameter(parse(drawn.description));
+    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
+    EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
+    EXPECT_NE(m_dialog->result().paramManager, nullptr);
+    const auto info = m_dialog->getSelSectionInfo();
+    EXPECT_EQ(info.typeName, QStringLiteral("自定义截面"));
+    EXPECT_EQ(info.specification, drawn.description);
+    EXPECT_DOUBLE_EQ(info.insertPointX, 50);
+    EXPECT_DOUBLE_EQ(info.insertPointY, 25);
+    EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_custom")));
 }
 
 // Last in the file: the translation stays installed for the rest of the process.
