@@ -73,11 +73,10 @@ void InitBXQSteelRepository(IVMPModel* model) {
     using section::SectionRepository;
     if (util::FetchInstance<SectionRepository>()) return;
     ndp::CDatabase* sectionPolyDb = VMPNDDBManager::nddbMgr()->getNDDB(QStringLiteral("SKRSectionPolyDB.KDB"), false);
-    ndp::CDatabase* projectDb = model->getProjectDB();
     auto* repository = new SectionRepository;
     util::RegisterInstance(repository);
     repository->RegSectionPolyDB(sectionPolyDb);
-    repository->RegProjectDB(projectDb);
+    if (model) repository->RegProjectDB(model->getProjectDB());
 }
 
 void UninitBXQSteelRepository() {

@@ -38,8 +38,8 @@ private:
 
 }  // namespace section
 
-// Opens the section database, takes the model's project database and registers the repository
-// and its providers; does nothing when a repository is registered already.
+// Opens the section database, takes the model's project database (none for a null model) and
+// registers the repository and its providers; does nothing when a repository is registered already.
 BXQEXTEND_EXPORT void InitBXQSteelRepository(IVMPModel* model);
 // Forgets the repository and its providers without destroying them.
 BXQEXTEND_EXPORT void UninitBXQSteelRepository();

@@ -44,8 +44,6 @@ void SKRHotRollingInfoWidget::showSection(const skr::section::SKRHotRollingSecti
                                                                                        section->weightMeter));
 }
 
-QString SKRHotRollingInfoWidget::figuresText() const { return m_pFigures->text(); }
-
 void SKRHotRollingInfoWidget::sectionSaved(const skr::section::SKRHotRollingSection& section) {
     emit initTableView(section);
 }

@@ -17,8 +17,6 @@ public:
 
     // Shows the section; null clears the figures and the drawing.
     void showSection(const skr::section::SKRHotRollingSection* section);
-    QString figuresText() const;
-    SKRSectionPreview* preview() const { return m_pPreview; }
 
 public slots:
     // A section was saved by the custom-section dialog: initTableView passes it on.

@@ -114,16 +114,12 @@ void SKRParamEditor::editingFinish(int index) {
     m_pMessage->clear();
     m_pManager->setParamValue(index, edit->text());
     m_pPreview->setSection(m_pManager->sectionType(), m_pManager->numericValues());
-    emit valuesChanged();
 }
 
 void SKRParamEditor::returnPressedSolt(int index) {
-    if (index + 1 < m_oEdits.size()) {
-        m_oEdits[index + 1]->setFocus(Qt::TabFocusReason);
-        m_oEdits[index + 1]->selectAll();
-    } else {
-        emit lastReturnPressed();
-    }
+    if (index + 1 >= m_oEdits.size()) return;
+    m_oEdits[index + 1]->setFocus(Qt::TabFocusReason);
+    m_oEdits[index + 1]->selectAll();
 }
 
 void SKRParamEditor::inputRefused(int index) {

@@ -39,23 +39,16 @@ public:
     // after the manager changed type or values.
     void setManager(SKRPolyParamManger* manager);
     void refresh();
-    SKRPolyParamManger* manager() const { return m_pManager; }
 
     int lineEditCount() const { return m_oEdits.size(); }
     SKRParamLineEdit* lineEdit(int index) const { return m_oEdits.value(index); }
     // The refusal shown under the fields (empty when the last keystroke was taken).
     QString message() const;
-    SKRSectionPreview* preview() const { return m_pPreview; }
-
-signals:
-    void valuesChanged();
-    // Return pressed in the last field.
-    void lastReturnPressed();
 
 public slots:
     // A field finished with an acceptable value: the manager takes it and the drawing follows.
     void editingFinish(int index);
-    // Return moves on to the next field.
+    // Return moves on to the next field (the last one keeps the focus).
     void returnPressedSolt(int index);
 
 private slots:

@@ -81,12 +81,6 @@ QModelIndex SKRPolyImgTableModel::indexOfType(int polyId) const {
     return QModelIndex();
 }
 
-QModelIndex SKRPolyImgTableModel::indexOfGroup(int groupId) const {
-    for (int row = 0; row < m_oRows.size(); ++row)
-        if (isGroupRow(row) && m_oRows[row][0].groupId == groupId) return index(row, 0);
-    return QModelIndex();
-}
-
 void SKRPolyImgDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     if (index.data(SKRPolyImgTableModel::PolyIdRole).toInt() == 0) return;

@@ -32,9 +32,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
     bool isGroupRow(int row) const;
-    // The cell of a section type (invalid when the table has none) and the title cell of a group.
+    // The cell of a section type; invalid when the table has none.
     QModelIndex indexOfType(int polyId) const;
-    QModelIndex indexOfGroup(int groupId) const;
     // The item of a cell; null for an empty cell.
     const Item* itemAt(const QModelIndex& index) const;
 

@@ -149,6 +149,12 @@ bool SKRPolyParamManger::setSpecification(const QString& text) {
     return true;
 }
 
+QString SKRPolyParamManger::typeName() const {
+    if (m_bCustom) return SKRSectionPolyInfoParser::customSectionKeyword();
+    const auto scheme = typeScheme(m_iSectionType);
+    return scheme.first ? scheme.second.polyName : QString();
+}
+
 QString SKRPolyParamManger::pictureName() const {
     const auto scheme = typeScheme(m_iSectionType);
     return scheme.first ? scheme.second.polyPicName : QString();

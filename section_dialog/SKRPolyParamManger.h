@@ -26,7 +26,9 @@ public:
     int paramCount() const { return m_oParams.size(); }
     const skr::section::SectionParam& paramDef(int index) const { return m_oParams.at(index); }
     QString paramValue(int index) const { return m_oValues.value(index); }
-    // The type's picture in the dialog's resources and its hint ("规格示例：I20a"); empty when unknown.
+    // The type's name ("PolyName"; the custom keyword for a custom section), its picture in the
+    // dialog's resources and its hint ("规格示例：I20a"); empty when unknown.
+    QString typeName() const;
     QString pictureName() const;
     QString hintText() const;
     // The value of parameter index as typed; false for an index out of range.
@@ -42,7 +44,6 @@ public:
     // Positions on the shipped catalogue row of the type whose dimensions are the current values
     // (type 1 at its defaults is I20a); false, changing nothing, when none is.
     bool matchCatalogueRow();
-    const skr::section::SKRHotRollingSection& catalogueSection() const { return m_oCatalogue; }
     // Positions on a specification text: a catalogue name selects its row, anything else its type
     // with the text's values. False, changing nothing, for a text that is no known section.
     bool setSpecification(const QString& text);

@@ -56,21 +56,16 @@ bool isCatalogueType(int sectionType) {
 
 bool isBallType(int sectionType) { return sectionType == stBoltBall || sectionType == stWeldBall; }
 
-// Registers the section repository when the host has not: the section database, and the
-// model's project database when there is a model. False when the section database is missing.
+// Registers the section repository when the host has not. False, registering nothing, when the
+// section database is missing.
 bool ensureRepository(IVMPModel* model) {
-    using skr::section::SectionRepository;
-    if (skr::util::FetchInstance<SectionRepository>()) return true;
-    ndp::CDatabase* sectionPolyDB = nullptr;
+    if (skr::util::FetchInstance<skr::section::SectionRepository>()) return true;
     try {
-        sectionPolyDB = SKRSectionPolyDBManager::instance()->sectionPolyDB();
+        SKRSectionPolyDBManager::instance();
     } catch (const VMPModelException&) {
         return false;
     }
-    auto* repository = new SectionRepository;
-    skr::util::RegisterInstance(repository);
-    repository->RegSectionPolyDB(sectionPolyDB);
-    if (model) repository->RegProjectDB(model->getProjectDB());
+    skr::InitBXQSteelRepository(model);
     return true;
 }
 
@@ -140,6 +135,7 @@ QWidget* SKRSectionPolyDialog::createLeftWidget() {
             const VMPDBRecord row(m_pPolyTable, all.GetItem(i));
             types.push_back({row.getInteger("GroupID", 0), row.getInteger("PolyID", 0),
                              row.getString("PolyName", QString()), row.getString("PolyPicName", QString()), {}});
+            if (isCatalogueType(types.last().polyId)) m_oCatalogueTypes << types.last().polyId;
         }
     }
     readCustomSections();
@@ -420,16 +416,7 @@ void SKRSectionPolyDialog::catalogueRowChanged() {
     showEditCustomBtn(section != nullptr);
 }
 
-void SKRSectionPolyDialog::reloadHotRolledList() {
-    QVector<int> types;
-    ndp::CFileAddressList all;
-    if (m_pPolyTable && m_pPolyTable->ListAll(all))
-        for (int i = 0; i < all.GetCount(); ++i) {
-            const int type = VMPDBRecord(m_pPolyTable, all.GetItem(i)).getInteger("PolyID", 0);
-            if (isCatalogueType(type)) types << type;
-        }
-    m_pHotRolledModel->load(types);
-}
+void SKRSectionPolyDialog::reloadHotRolledList() { m_pHotRolledModel->load(m_oCatalogueTypes); }
 
 void SKRSectionPolyDialog::selectCatalogueRow(const QString& standardName) {
     const int sourceRow = m_pHotRolledModel->rowOf(standardName);
@@ -542,11 +529,7 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::defaultSectionInfo
 
 SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(const SKRPolyParamManger& manager) {
     BXQSelSectionInfo info;
-    auto* schemes = skr::util::FetchInstance<skr::section::SectionSchemeProvider>();
-    const auto scheme =
-        schemes ? schemes->findScheme(manager.sectionType()) : std::make_pair(false, skr::section::SectionScheme());
-    info.typeName = scheme.first ? scheme.second.polyName : QString();
-    if (manager.isCustomSection()) info.typeName = SKRSectionPolyInfoParser::customSectionKeyword();
+    info.typeName = manager.typeName();
     info.specification = manager.specification();
     info.specificationKey = manager.specificationKey();
     const QStringList point = manager.insertPoint().split(QLatin1Char(','));
@@ -573,7 +556,6 @@ double SKRSectionPolyDialog::getWPMByNorm(const QString& norm) {
 void SKRSectionPolyDialog::isSectionLibrary(bool library) { m_pSingleMember->setVisible(!library); }
 
 void SKRSectionPolyDialog::setEditBtnVisible(bool visible) {
-    m_bEditButtonsVisible = visible;
     for (VantorPushButton* button : {m_pAddButton, m_pEditButton, m_pDeleteButton}) button->setVisible(visible);
 }
 

@@ -147,7 +147,8 @@ private:
     qint32 m_iSelectionKind = 0;
     SectionHandler m_fnModify;
     SectionHandler m_fnDelete;
-    QVector<int> m_oBallRibFlags;  // the rib flag of each weld-ball form listed
+    QVector<int> m_oBallRibFlags;    // the rib flag of each weld-ball form listed
+    QVector<int> m_oCatalogueTypes;  // the types listed by name, in table order
     struct CustomPolygon {
         int id = 0;
         QString description;
@@ -180,5 +181,4 @@ private:
     VantorPushButton* m_pSectionStyleButton = nullptr;
     VantorPushButton* m_pOkButton = nullptr;
     VantorPushButton* m_pCancelButton = nullptr;
-    bool m_bEditButtonsVisible = true;
 };

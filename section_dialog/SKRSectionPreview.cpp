@@ -6,7 +6,6 @@
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_geometry/SKRSectionPainter.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
-#include "section_geometry/SKRSpecificationOutline.h"
 
 #include <QPainter>
 
@@ -18,12 +17,6 @@ SKRSectionPreview::SKRSectionPreview(QWidget* parent) : QWidget(parent) {
 void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>& values) {
     QString outline, error;
     skr::geometry::sectionOutlineText(sectionType, values, outline, &error);
-    setOutline(outline, error);
-}
-
-void SKRSectionPreview::setSpecification(const QString& specification) {
-    QString outline, error;
-    skr::geometry::specificationOutline(specification, outline, &error);
     setOutline(outline, error);
 }
 

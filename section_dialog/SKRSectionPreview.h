@@ -18,14 +18,10 @@ public:
     // The outline of the type for the values; with values that make none, an empty drawing with
     // the reason as its caption.
     void setSection(int sectionType, const QMap<QString, double>& values);
-    // The outline of a specification text (a catalogue name takes its catalogue radii).
-    void setSpecification(const QString& specification);
     // A polygon as it is (a user-drawn custom section).
     void setPolygon(const ndp::CPolygon& polygon);
     void clear();
 
-    bool hasOutline() const { return !m_path.isEmpty(); }
-    QString caption() const { return m_caption; }
     QSize sizeHint() const override { return QSize(200, 200); }
 
 protected:

@@ -29,6 +29,17 @@ void addArc(QPainterPath& path, const ndp::CArc2d& arc) {
     path.arcTo(square, -arc.StartAngle() * kDegrees, -arc.Sweep() * kDegrees);
 }
 
+// Where one parameter is written on a drawing: its code at the model point (mm, y up) it moves.
+struct SectionLabel {
+    QString code;
+    QPointF at;
+};
+struct SectionLabels {
+    QString widthCode;   // the parameter that is the overall width, empty when none is
+    QString heightCode;  // the parameter that is the overall height, empty when none is
+    QVector<SectionLabel> labels;  // the other parameters
+};
+
 struct Outline {
     std::unique_ptr<ndp::CPolygon> polygon;
     QRectF box;
@@ -92,6 +103,36 @@ void drawDimension(QPainter& painter, const QPointF& from, const QPointF& to, co
     painter.drawText(box, Qt::AlignCenter, code);
 }
 
+// The labels of the outline base, made of values.
+SectionLabels labelsOf(const Outline& base, int sectionType, const QMap<QString, double>& values,
+                       const QStringList& codes) {
+    const double size = std::max(base.box.width(), base.box.height());
+    SectionLabels found;
+    for (const QString& code : codes) {
+        const double value = values.value(code);
+        if (value <= 0) continue;
+        const double step = std::max(0.1 * value, 0.02 * size);
+        Outline grown;
+        double delta = step;
+        QMap<QString, double> changed = values;
+        changed[code] = value + step;
+        if (!buildOutline(sectionType, changed, grown, nullptr)) {
+            delta = -std::min(step, 0.5 * value);
+            changed[code] = value + delta;
+            if (!buildOutline(sectionType, changed, grown, nullptr)) continue;
+        }
+        const double tolerance = 1e-6 * size;
+        const bool spansWidth = std::abs(grown.box.width() - base.box.width() - delta) <= 0.02 * std::abs(delta);
+        const bool spansHeight = std::abs(grown.box.height() - base.box.height() - delta) <= 0.02 * std::abs(delta);
+        if (spansWidth && found.widthCode.isEmpty()) found.widthCode = code;
+        if (spansHeight && found.heightCode.isEmpty()) found.heightCode = code;
+        if (found.widthCode == code || found.heightCode == code) continue;
+        const std::vector<QPointF> moved = movedPoints(base, grown, tolerance);
+        if (!moved.empty()) found.labels.push_back({code, labelPoint(moved, base.box.center())});
+    }
+    return found;
+}
+
 }  // namespace
 
 QPainterPath sectionPath(const ndp::CPolygon& polygon) {
@@ -133,44 +174,11 @@ void paintSection(QPainter& painter, const QPainterPath& path, const QRectF& tar
     painter.restore();
 }
 
-bool sectionLabels(int sectionType, const QMap<QString, double>& values, const QStringList& codes,
-                   SectionLabels& labels, QString* error) {
-    Outline base;
-    if (!buildOutline(sectionType, values, base, error)) return false;
-    const double size = std::max(base.box.width(), base.box.height());
-    SectionLabels found;
-    for (const QString& code : codes) {
-        const double value = values.value(code);
-        if (value <= 0) continue;
-        const double step = std::max(0.1 * value, 0.02 * size);
-        Outline grown;
-        double delta = step;
-        QMap<QString, double> changed = values;
-        changed[code] = value + step;
-        if (!buildOutline(sectionType, changed, grown, nullptr)) {
-            delta = -std::min(step, 0.5 * value);
-            changed[code] = value + delta;
-            if (!buildOutline(sectionType, changed, grown, nullptr)) continue;
-        }
-        const double tolerance = 1e-6 * size;
-        const bool spansWidth = std::abs(grown.box.width() - base.box.width() - delta) <= 0.02 * std::abs(delta);
-        const bool spansHeight = std::abs(grown.box.height() - base.box.height() - delta) <= 0.02 * std::abs(delta);
-        if (spansWidth && found.widthCode.isEmpty()) found.widthCode = code;
-        if (spansHeight && found.heightCode.isEmpty()) found.heightCode = code;
-        if (found.widthCode == code || found.heightCode == code) continue;
-        const std::vector<QPointF> moved = movedPoints(base, grown, tolerance);
-        if (!moved.empty()) found.labels.push_back({code, labelPoint(moved, base.box.center())});
-    }
-    labels = found;
-    return true;
-}
-
 QImage sectionDrawing(int sectionType, const QMap<QString, double>& values, const QStringList& codes,
                       const QSize& size, QString* error) {
     Outline outline;
-    SectionLabels labels;
-    if (!buildOutline(sectionType, values, outline, error) || !sectionLabels(sectionType, values, codes, labels, error))
-        return QImage();
+    if (!buildOutline(sectionType, values, outline, error)) return QImage();
+    const SectionLabels labels = labelsOf(outline, sectionType, values, codes);
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);

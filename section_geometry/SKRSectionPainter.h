@@ -30,26 +30,10 @@ BXQEXTEND_EXPORT QTransform fitTransform(const QRectF& box, const QRectF& target
 // The outline filled and stroked into target, fitted and centred, y up.
 BXQEXTEND_EXPORT void paintSection(QPainter& painter, const QPainterPath& path, const QRectF& target);
 
-// Where one parameter is written on a section drawing: its code and the model point (mm, y up)
-// at which it acts; spanning codes are those measured by the overall width or height.
-struct SectionLabel {
-    QString code;
-    QPointF at;
-};
-struct SectionLabels {
-    QString widthCode;   // the parameter that is the overall width, empty when none is
-    QString heightCode;  // the parameter that is the overall height, empty when none is
-    QVector<SectionLabel> labels;  // the other parameters, at the outline points they move
-};
-// Finds each parameter's place by growing it a little and seeing which outline points move; a
-// parameter that moves nothing (a zero radius) gets no label. False, with the reason, when the
-// values make no outline.
-BXQEXTEND_EXPORT bool sectionLabels(int sectionType, const QMap<QString, double>& values, const QStringList& codes,
-                                    SectionLabels& labels, QString* error = nullptr);
-
 // A dimensioned drawing of the type for the values: the outline, the overall width above it and
-// the height left of it with their codes, and the other codes written where they act. A null
-// image, with the reason, when the values make no outline.
+// the height left of it with their codes, and the other codes written where they act (found by
+// growing each parameter a little and seeing which outline points move; one that moves nothing,
+// a zero radius, gets no label). A null image, with the reason, when the values make no outline.
 BXQEXTEND_EXPORT QImage sectionDrawing(int sectionType, const QMap<QString, double>& values, const QStringList& codes,
                                        const QSize& size, QString* error = nullptr);
 

@@ -12,6 +12,8 @@
 #include "ndp/NDPPolygon.h"
 #include "ndp/NDPTolerance.h"
 
+#include "platform/Loops.h"
+
 #include <gtest/gtest.h>
 
 #include <BRepPrimAPI_MakePrism.hxx>
@@ -53,15 +55,6 @@ CPlane plane(const CVector3& point, const CVector3& normal) {
 }
 
 CBooleanOperate operate() { return CBooleanOperate(true, true, true, true); }
-
-CLoop* rectangle(double x0, double y0, double x1, double y1) {
-    auto* loop = new CLoop;
-    loop->AddCurve(new CLine2d({x0, y0}, {x1, y0}), false);
-    loop->AddCurve(new CLine2d({x1, y0}, {x1, y1}), false);
-    loop->AddCurve(new CLine2d({x1, y1}, {x0, y1}), false);
-    loop->AddCurve(new CLine2d({x0, y1}, {x0, y0}), false);
-    return loop;
-}
 
 // A prism of polygon along Z, made directly on the kernel; null when the face cannot be made.
 BodyPtr prism(const CPolygon& polygon, double length) {

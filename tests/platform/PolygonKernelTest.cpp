@@ -6,6 +6,8 @@
 #include "ndp/NDPGeometry2d.h"
 #include "ndp/NDPPolygon.h"
 
+#include "platform/Loops.h"
+
 #include <gtest/gtest.h>
 
 #include <QByteArray>
@@ -22,15 +24,6 @@ using namespace ndp;
 namespace {
 
 const double kPi = 3.14159265358979323846;
-
-CLoop* rectangle(double x0, double y0, double x1, double y1) {
-    auto* loop = new CLoop;
-    loop->AddCurve(new CLine2d({x0, y0}, {x1, y0}), false);
-    loop->AddCurve(new CLine2d({x1, y0}, {x1, y1}), false);
-    loop->AddCurve(new CLine2d({x1, y1}, {x0, y1}), false);
-    loop->AddCurve(new CLine2d({x0, y1}, {x0, y0}), false);
-    return loop;
-}
 
 // A slot: straight sides of length `length`, half-circle ends of radius `radius`, counter-clockwise.
 CLoop* slot(double length, double radius, double arcValue) {
