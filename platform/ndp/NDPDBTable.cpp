@@ -123,7 +123,7 @@ CDBRecord* CDBTable::CreateRecord() {
 }
 
 CFileAddress CDBTable::AddRecord(CDBRecord* record, bool) {
-    if (!record || record->GetTable() != this || m_database->IsReadOnly()) return kNullAddress;
+    if (!record || record->GetTable() != this || !m_database->BeginTransaction()) return kNullAddress;
     std::string sql = "INSERT INTO " + quotedTable() + " (";
     std::string values;
     for (size_t i = 0; i < m_fields.size(); ++i) {
@@ -145,8 +145,8 @@ CFileAddress CDBTable::AddRecord(CDBRecord* record, bool) {
 }
 
 bool CDBTable::ModifyRecord(CDBRecord* record) {
-    if (!record || record->GetTable() != this || record->GetAddress() == kNullAddress || m_database->IsReadOnly() ||
-        m_fields.empty())
+    if (!record || record->GetTable() != this || record->GetAddress() == kNullAddress || m_fields.empty() ||
+        !m_database->BeginTransaction())
         return false;
     std::string sql = "UPDATE " + quotedTable() + " SET ";
     for (size_t i = 0; i < m_fields.size(); ++i)
@@ -166,7 +166,7 @@ bool CDBTable::ModifyRecord(CDBRecord* record) {
 }
 
 bool CDBTable::DeleteRecord(CFileAddress address) {
-    if (m_database->IsReadOnly()) return false;
+    if (!m_database->BeginTransaction()) return false;
     sqlite3_stmt* stmt = statement("DELETE FROM " + quotedTable() + " WHERE kdb_addr = ?1");
     if (!stmt) return false;
     StatementUse use{stmt};
@@ -183,7 +183,13 @@ CDBRecord* CDBTable::GetRecord(CFileAddress address) {
     if (!stmt) return nullptr;
     StatementUse use{stmt};
     sqlite3_bind_int64(stmt, 1, address);
-    if (sqlite3_step(stmt) != SQLITE_ROW) return nullptr;
+    const int rc = sqlite3_step(stmt);
+    if (rc != SQLITE_ROW) {
+        // No row at that address finds nothing; anything else is a failed read.
+        if (rc != SQLITE_DONE)
+            m_database->setError(QStringLiteral("cannot read a record of %1").arg(QString::fromStdWString(m_name)));
+        return nullptr;
+    }
     std::vector<QVariant> values(m_fields.size());
     for (size_t i = 0; i < m_fields.size(); ++i)
         values[i] = columnValue(stmt, static_cast<int>(i), m_fields[i].GetKind());

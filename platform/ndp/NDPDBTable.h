@@ -38,7 +38,8 @@ public:
     // Writes the values of a record read from this table back to its row.
     bool ModifyRecord(CDBRecord* record);
     bool DeleteRecord(CFileAddress address);
-    // The record at address (Release it), or null.
+    // The record at address (Release it), or null: when there is none, or when the read failed,
+    // which the database counts among its failures.
     CDBRecord* GetRecord(CFileAddress address);
 
     // Every record in table order.

@@ -84,6 +84,8 @@ bool VMPCmdLogTool::apply(const QByteArray& changeset, bool inverted) {
         changes = QByteArray(static_cast<const char*>(bytes), size);
         sqlite3_free(bytes);
     }
+    // Applied inside the database's own transaction, so that only a flush makes it durable.
+    if (!m_database->BeginTransaction()) return false;
     return sqlite3changeset_apply(m_database->handle(), changes.size(), changes.data(), nullptr, abortOnConflict,
                                   nullptr) == SQLITE_OK;
 }

@@ -56,9 +56,10 @@ bool VMPProjectModel::createProjectTables(ndp::CDatabase* db) {
 
 bool VMPProjectModel::open(const QString& path) {
     m_database->Close();
-    const bool created = !QFileInfo::exists(path);
-    const bool opened = created ? m_database->Create(path) : m_database->Open(path, false);
-    if (!opened || !createProjectTables(m_database.get()) || (created && !m_database->Flush())) {
+    // A new project is made whole or not at all: a failed first write leaves no file behind.
+    const auto fill = [](ndp::CDatabase& database) { return createProjectTables(&database); };
+    if (!QFileInfo::exists(path) && !ndp::CDatabase::CreateWhole(path, fill, &m_lastError)) return false;
+    if (!m_database->Open(path, false) || !createProjectTables(m_database.get())) {
         m_lastError = m_database->GetLastError();
         m_database->Close();
         return false;
