@@ -1,13 +1,29 @@
 // SKRCatalogueLookup: catalogue questions of the specification parser, answered by the
-// registered providers. The parser never throws, so a malformed row counts as not found.
+// registered providers. The parser never throws, so a row that cannot be read counts as not
+// found for it, and the failure is kept for the caller to ask.
 #include "section_data/SKRCatalogueLookup.h"
 
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include <exception>
 
 namespace skr {
 namespace section {
+namespace {
+
+QString& lastFailure() {
+    static QString failure;
+    return failure;
+}
+
+}  // namespace
+
+QString SKRCatalogueLookup::takeFailure() {
+    QString failure;
+    failure.swap(lastFailure());
+    return failure;
+}
 
 bool SKRCatalogueLookup::hotRolledDimensions(const QString& name, int sectionType, QVector<double>* dimensions) {
     auto* provider = util::FetchInstance<SKRHotRollingSectionDBProvider>();
@@ -22,7 +38,8 @@ bool SKRCatalogueLookup::hotRolledDimensions(const QString& name, int sectionTyp
             dimensions->append(value);
         }
         return true;
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
+        lastFailure() = failureText(provider->table(), failure);
         return false;
     }
 }
@@ -35,7 +52,8 @@ bool SKRCatalogueLookup::userSectionId(const QString& name, int* sectionId) {
         if (!found.first) return false;
         *sectionId = found.second.sectionType;
         return true;
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
+        lastFailure() = failureText(provider->table(), failure);
         return false;
     }
 }

@@ -14,6 +14,9 @@ public:
     static bool hotRolledDimensions(const QString& name, int sectionType, QVector<double>* dimensions);
     // Section id of the user hot-rolled section stored under that name.
     static bool userSectionId(const QString& name, int* sectionId);
+    // The one-line reason (naming the file) of the last look-up that failed on a row or a
+    // database that cannot be read, cleared by asking; empty when none failed since.
+    static QString takeFailure();
 };
 
 }  // namespace section

@@ -1,6 +1,8 @@
 // The system and user hot-rolled section providers.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
+#include "section_data/SKRDatabaseError.h"
+
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPRef.h"
 #include "ndp/NDPDBTable.h"
@@ -105,12 +107,33 @@ SKRHotRollingSection SKRHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* 
 
 SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByName(const std::wstring& name) {
     if (!m_pTable) return {false, SKRHotRollingSection()};
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(sameStringQuery(name), found) || found.GetCount() == 0)
-        return {false, SKRHotRollingSection()};
+    const bool accepted = m_pTable->Query(sameStringQuery(name), found);
+    failed.check();
+    if (!accepted || found.GetCount() == 0) return {false, SKRHotRollingSection()};
+    return readFirst(found);
+}
+
+SKRHotRollingLookup SKRHotRollingSectionDBProvider::readFirst(const ndp::CFileAddressList& found) {
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
+    failed.check();
     if (!ref.get()) return {false, SKRHotRollingSection()};
     return {true, fromRecord(ref.get())};
+}
+
+std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::readAll(const ndp::CFileAddressList& found) {
+    // A row listed but not read is a failed read, never a shorter list.
+    const SKRDatabaseCheck failed(m_pTable);
+    std::vector<SKRHotRollingSection> sections;
+    sections.reserve(static_cast<size_t>(found.GetCount()));
+    for (int i = 0; i < found.GetCount(); ++i) {
+        ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(i)));
+        failed.check();
+        if (ref.get()) sections.push_back(fromRecord(ref.get()));
+    }
+    return sections;
 }
 
 std::wstring SKRHotRollingSectionDBProvider::sameStringQuery(const std::wstring& name) const {
@@ -132,26 +155,34 @@ SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByKeys(int sectionType, 
     const std::wstring query = keyQuery(sectionType, subId);
     const auto cached = m_pCache->find(query);
     if (cached != m_pCache->end()) return {true, cached->second};
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(query, found)) throw std::invalid_argument(kInvalidQuery);
+    const bool accepted = m_pTable->Query(query, found);
+    failed.check();
+    if (!accepted) throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return {false, SKRHotRollingSection()};
-    ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
-    if (!ref.get()) return {false, SKRHotRollingSection()};
-    const SKRHotRollingSection section = fromRecord(ref.get());
-    m_pCache->emplace(query, section);
-    return {true, section};
+    const SKRHotRollingLookup row = readFirst(found);
+    if (row.first) m_pCache->emplace(query, row.second);
+    return row;
 }
 
 std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::listByType(int sectionType) {
-    std::vector<SKRHotRollingSection> sections;
-    if (!m_pTable) return sections;
+    if (!m_pTable) return {};
+    const int field = fieldIndex(m_pTable, m_firstKeyField);
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
-    m_pTable->Search(fieldIndex(m_pTable, m_firstKeyField), sectionType, found);
-    for (int i = 0; i < found.GetCount(); ++i) {
-        ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(i)));
-        if (ref.get()) sections.push_back(fromRecord(ref.get()));
-    }
-    return sections;
+    m_pTable->Search(field, sectionType, found);
+    failed.check();
+    return readAll(found);
+}
+
+std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::listAll() {
+    if (!m_pTable) return {};
+    const SKRDatabaseCheck failed(m_pTable);
+    ndp::CFileAddressList found;
+    m_pTable->ListAll(found);
+    failed.check();
+    return readAll(found);
 }
 
 SKRUserHotRollingSectionDBProvider::SKRUserHotRollingSectionDBProvider(ndp::CDBTable* table)
@@ -175,7 +206,11 @@ SKRHotRollingSection SKRUserHotRollingSectionDBProvider::fromRecord(ndp::CDBReco
 }
 
 bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& section) {
-    if (!m_pTable || findByName(section.standardName).first) return false;
+    if (!m_pTable) return false;
+    // The write lock first, so that the name found free stays free until the row is added.
+    beginWrite(m_pTable);
+    if (findByName(section.standardName).first) return false;
+    const SKRDatabaseCheck failed(m_pTable);
     std::wstring params;
     for (const auto& param : section.params) params += param.first + L"=" + shortest(param.second) + L";";
     ndp::CRef<ndp::CDBRecord> ref(m_pTable->CreateRecord());
@@ -185,20 +220,28 @@ bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& 
     ref.get()->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
     ref.get()->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
     ref.get()->SetString(fieldIndex(m_pTable, L"SectionParam"), params);
-    return m_pTable->AddRecord(ref.get()) != ndp::kNullAddress;
+    const bool added = m_pTable->AddRecord(ref.get()) != ndp::kNullAddress;
+    failed.check();
+    return added;
 }
 
 bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSection& section) {
     if (!m_pTable) return false;
+    beginWrite(m_pTable);
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(sameStringQuery(section.standardName), found))
-        throw std::invalid_argument(kInvalidQuery);
+    const bool accepted = m_pTable->Query(sameStringQuery(section.standardName), found);
+    failed.check();
+    if (!accepted) throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return false;  // nothing of that name to update
     ndp::CRef<ndp::CDBRecord> ref(m_pTable->GetRecord(found.GetItem(0)));
+    failed.check();
     if (!ref.get()) return false;
     ref.get()->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
     ref.get()->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
-    return m_pTable->ModifyRecord(ref.get());
+    const bool modified = m_pTable->ModifyRecord(ref.get());
+    failed.check();
+    return modified;
 }
 
 bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subId) {
@@ -206,10 +249,15 @@ bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subI
     // The "%s==%d && %s==%d" form, without blanks around "==".
     const std::wstring query = m_firstKeyField + L"==" + std::to_wstring(sectionType) + L" && " + m_secondKeyField +
                                L"==" + std::to_wstring(subId);
+    beginWrite(m_pTable);
+    const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
-    if (!m_pTable->Query(query, found)) return false;
+    const bool accepted = m_pTable->Query(query, found);
+    failed.check();
+    if (!accepted) return false;
     bool removed = false;
     for (int i = 0; i < found.GetCount(); ++i) removed = m_pTable->DeleteRecord(found.GetItem(i));
+    failed.check();
     return removed;
 }
 

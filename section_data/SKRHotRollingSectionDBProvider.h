@@ -12,6 +12,7 @@
 namespace ndp {
 class CDBRecord;
 class CDBTable;
+class CFileAddressList;
 }  // namespace ndp
 
 namespace skr {
@@ -24,11 +25,18 @@ public:
     // Reads one row; throws std::invalid_argument for a missing field or a non-numeric parameter.
     virtual SKRHotRollingSection fromRecord(ndp::CDBRecord* record);
 
+    // Every look-up throws SKRDatabaseError when the database fails under it (a damaged page, a
+    // busy file): a failed read never passes for a row that is absent or a list that is whole.
+
     // Query SameString(name field, "name"); a refused query or no match finds nothing.
     SKRHotRollingLookup findByName(const std::wstring& name);
     // Query on the key fields, answered from the cache when asked before; a refused query throws.
     SKRHotRollingLookup findByKeys(int sectionType, int subId);
     std::vector<SKRHotRollingSection> listByType(int sectionType);
+    // Every row in table order.
+    std::vector<SKRHotRollingSection> listAll();
+
+    ndp::CDBTable* table() const { return m_pTable; }
 
     // The query text findByKeys builds, e.g. "PolyID == 5 && SubClassID == 1".
     std::wstring keyQuery(int sectionType, int subId) const;
@@ -36,6 +44,8 @@ public:
     std::wstring sameStringQuery(const std::wstring& name) const;
 
 protected:
+    SKRHotRollingLookup readFirst(const ndp::CFileAddressList& found);
+    std::vector<SKRHotRollingSection> readAll(const ndp::CFileAddressList& found);
     SKRHotRollingSection readLeadingFields(ndp::CDBRecord* record) const;
     static double toDouble(const std::wstring& text);
     std::wstring readText(ndp::CDBRecord* record, const std::wstring& field) const;
@@ -48,7 +58,9 @@ protected:
 };
 
 // SKRUserHotRollingSectionDBProvider: the user's own hot-rolled sections in the project
-// ("CustomHotRolledSection"), which it also adds, updates and removes. Nothing is flushed here.
+// ("CustomHotRolledSection"), which it also adds, updates and removes. Each change takes the
+// file's write lock before it checks anything (SKRDatabaseError when the file stays busy or
+// cannot be written); nothing is flushed here.
 class SKRUserHotRollingSectionDBProvider : public SKRHotRollingSectionDBProvider {
 public:
     explicit SKRUserHotRollingSectionDBProvider(ndp::CDBTable* table);

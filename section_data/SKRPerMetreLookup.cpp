@@ -1,24 +1,41 @@
 // Per-metre look-ups in the user and then the system hot-rolled catalogue.
 #include "section_data/SKRPerMetreLookup.h"
 
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+
+#include <QtGlobal>
 
 #include <exception>
 
 namespace skr {
 namespace section {
 
-// User sections shadow system sections of the same name. A provider that is absent, or a row
-// that cannot be read, finds nothing: the host asks this for quantities and must not fail.
-SKRHotRollingLookup SKRPerMetreLookup::findSection(const QString& norm) {
+// User sections shadow system sections of the same name; an absent provider finds nothing.
+SKRHotRollingLookup SKRPerMetreLookup::lookUp(const QString& norm) {
     const std::wstring name = norm.toStdWString();
+    if (auto* user = util::FetchInstance<SKRUserHotRollingSectionDBProvider>()) {
+        SKRHotRollingLookup found = readOrExplain(user, name);
+        if (found.first) return found;
+    }
+    if (auto* system = util::FetchInstance<SKRHotRollingSectionDBProvider>()) return readOrExplain(system, name);
+    return {false, SKRHotRollingSection()};
+}
+
+SKRHotRollingLookup SKRPerMetreLookup::readOrExplain(SKRHotRollingSectionDBProvider* provider, const std::wstring& name) {
     try {
-        if (auto* user = util::FetchInstance<SKRUserHotRollingSectionDBProvider>()) {
-            SKRHotRollingLookup found = user->findByName(name);
-            if (found.first) return found;
-        }
-        if (auto* system = util::FetchInstance<SKRHotRollingSectionDBProvider>()) return system->findByName(name);
-    } catch (const std::exception&) {
+        return provider->findByName(name);
+    } catch (const std::exception& failure) {
+        throw SKRDatabaseError(failureText(provider->table(), failure).toStdString());
+    }
+}
+
+// The host asks this for quantities and must not fail: a failed read is logged and finds nothing.
+SKRHotRollingLookup SKRPerMetreLookup::findSection(const QString& norm) {
+    try {
+        return lookUp(norm);
+    } catch (const std::exception& failure) {
+        qWarning("%s", failure.what());
     }
     return {false, SKRHotRollingSection()};
 }

@@ -6,16 +6,26 @@
 
 #include <QString>
 
+#include <string>
+
 namespace skr {
 namespace section {
+
+class SKRHotRollingSectionDBProvider;
 
 class SKRPerMetreLookup {
 public:
     static double weightPerMetre(const QString& norm);   // kg/m
     static double surfacePerMetre(const QString& norm);  // m2/m
     // The catalogue row of that exact name: a user section first, then a shipped one; not found
-    // when neither has it, a provider is absent or the row cannot be read.
+    // when neither has it, a provider is absent or the row cannot be read (then logged).
     static SKRHotRollingLookup findSection(const QString& norm);
+    // The same, but a row or database that cannot be read throws SKRDatabaseError with one line
+    // naming the file.
+    static SKRHotRollingLookup lookUp(const QString& norm);
+
+private:
+    static SKRHotRollingLookup readOrExplain(SKRHotRollingSectionDBProvider* provider, const std::wstring& name);
 };
 
 }  // namespace section
