@@ -1,6 +1,8 @@
 // BXQDataSession: opening the databases of a bxq run and registering the section repository.
 #include "app/BXQDataSession.h"
 
+#include "body_builder/SKRMemberSolidShape.h"
+
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRSectionPolyDBManager.h"
 #include "section_data/SectionRepository.h"
@@ -51,11 +53,16 @@ private:
 };
 QString* WarningCapture::s_last = nullptr;
 
-QString unreadableMessage(const QString& path, const QString& reason) {
+// "cannot ACTION PATH: REASON", the platform's reason without the file it names at its end.
+QString fileMessage(const QString& action, const QString& path, const QString& reason) {
     QString why = reason.isEmpty() ? QStringLiteral("not a database of this program") : reason;
-    const QString namedFile = QStringLiteral(" (%1)").arg(path);  // the platform's reasons end so
+    const QString namedFile = QStringLiteral(" (%1)").arg(path);
     if (why.endsWith(namedFile)) why.chop(namedFile.size());
-    return QStringLiteral("cannot open %1: %2").arg(path, why);
+    return QStringLiteral("cannot %1 %2: %3").arg(action, path, why);
+}
+
+QString unreadableMessage(const QString& path, const QString& reason) {
+    return fileMessage(QStringLiteral("open"), path, reason);
 }
 
 }  // namespace
@@ -93,10 +100,13 @@ bool BXQDataSession::openProject(const QString& path, bool create, QString* erro
     auto project = std::make_unique<VMPProjectModel>();
     if (!project->open(path)) {
         const QString reason = project->lastError();
-        *error = QStringLiteral("cannot open project %1: %2")
-                     .arg(path, reason.isEmpty() ? QStringLiteral("not a project database") : reason);
+        *error = unreadableMessage(path, reason.isEmpty() ? QStringLiteral("not a project database") : reason);
         return false;
     }
+    // Members' solids: their section's outline extruded along the member.
+    project->setSolidShapeFactory([](const QString& section, double length, const ndp::CoordinateSystem3& head) {
+        return std::unique_ptr<IVMPSolidShape>(new skr::body::SKRMemberSolidShape(section, length, head));
+    });
     m_project = std::move(project);
     return true;
 }
@@ -142,6 +152,14 @@ bool BXQDataSession::saveProject(QString* error) {
     return false;
 }
 
+bool BXQDataSession::beginProjectChange(QString* error) {
+    ndp::CDatabase* project = projectDB();
+    if (project && project->BeginTransaction()) return true;
+    *error = fileMessage(QStringLiteral("change"), m_projectPath,
+                         project ? project->GetLastError() : QStringLiteral("not open"));
+    return false;
+}
+
 ndp::CDatabase* BXQDataSession::projectDB() const { return m_project ? m_project->getProjectDB() : nullptr; }
 
 IVMPModel* BXQDataSession::model() {
@@ -151,14 +169,8 @@ IVMPModel* BXQDataSession::model() {
 
 std::vector<skr::section::SKRHotRollingSection> BXQDataSession::allSections(
     ndp::CDBTable* table, skr::section::SKRHotRollingSectionDBProvider* reader) {
-    std::vector<skr::section::SKRHotRollingSection> sections;
-    ndp::CFileAddressList all;
-    if (!table || !reader || !table->ListAll(all)) return sections;
-    for (int i = 0; i < all.GetCount(); ++i) {
-        ndp::CRef<ndp::CDBRecord> ref(table->GetRecord(all.GetItem(i)));
-        if (ref.get()) sections.push_back(reader->fromRecord(ref.get()));
-    }
-    return sections;
+    if (!table || !reader || reader->table() != table) return {};
+    return reader->listAll();
 }
 
 }  // namespace bxq

@@ -44,17 +44,23 @@ public:
     // Registers the section repository and its providers on the databases there are: the
     // catalogue when its file can be opened, and the project when one is open.
     void registerRepository();
+    // Takes the project's write lock before a change is checked and made (waiting while another
+    // program holds it); false, with a message naming the file and saying why (busy, no
+    // permission), when it cannot be had.
+    bool beginProjectChange(QString* error);
     // Commits the project's changes; false, with a message naming the file, when they could not
     // be written (nothing of them is then in the file).
     bool saveProject(QString* error);
 
     ndp::CDatabase* catalogue() const { return m_catalogue; }
     ndp::CDatabase* projectDB() const;
+    VMPProjectModel* project() const { return m_project.get(); }
     const QString& projectPath() const { return m_projectPath; }
     static QString dataFilePath(const QString& fileName);
 
     // Every row of a hot-rolled table in table order, read by the provider of that table.
-    // Throws std::invalid_argument or std::out_of_range for a row that cannot be read.
+    // Throws std::invalid_argument or std::out_of_range for a row that cannot be read, and
+    // SKRDatabaseError when the database fails under the read.
     static std::vector<skr::section::SKRHotRollingSection> allSections(
         ndp::CDBTable* table, skr::section::SKRHotRollingSectionDBProvider* reader);
 

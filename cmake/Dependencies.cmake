@@ -21,3 +21,9 @@ target_include_directories(bxq_occt SYSTEM INTERFACE ${OpenCASCADE_INCLUDE_DIR})
 target_link_libraries(bxq_occt INTERFACE
   TKernel TKMath TKG2d TKG3d TKGeomBase TKBRep TKGeomAlgo TKTopAlgo TKPrim TKBO TKBool TKFillet TKOffset
   TKShHealing TKMesh TKXSBase TKSTEPBase TKSTEPAttr TKSTEP209 TKSTEP TKSTL)
+
+# OpenSceneGraph: the scene graph of the host's 3D view and its offscreen pictures.
+find_package(OpenSceneGraph 3.6 REQUIRED COMPONENTS osgDB osgUtil osgViewer osgGA)
+add_library(bxq_osg INTERFACE)
+target_include_directories(bxq_osg SYSTEM INTERFACE ${OPENSCENEGRAPH_INCLUDE_DIRS})
+target_link_libraries(bxq_osg INTERFACE ${OPENSCENEGRAPH_LIBRARIES})

@@ -10,6 +10,7 @@ packages=(
   libocct-foundation-dev libocct-modeling-data-dev libocct-modeling-algorithms-dev
   libocct-data-exchange-dev libocct-visualization-dev libtbb-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  libopenscenegraph-dev libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri libeigen3-dev
   fonts-wqy-microhei xvfb xauth
 )
 

@@ -2,4 +2,5 @@
 #include "vmp/IVMPElementDrawObj.h"
 
 IVMPElementDrawObj::~IVMPElementDrawObj() = default;
+IVMPSolidShape* IVMPElementDrawObj::getSolidShape() { return nullptr; }
 IVMPSolidShape::~IVMPSolidShape() = default;

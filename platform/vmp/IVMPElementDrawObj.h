@@ -8,6 +8,7 @@
 #include <cstdint>
 
 class IVMPModel;
+class IVMPSolidShape;
 namespace ndp {
 class CBody;
 }
@@ -28,6 +29,8 @@ public:
     virtual double getAxisLength() const = 0;
     // The two extents of an axis of the second curve kind.
     virtual void getAxisExtents(double& first, double& second) const = 0;
+    // The element's solid shape (owned by the element), or null when it has none.
+    virtual IVMPSolidShape* getSolidShape();
 };
 
 class BXQPLATFORM_EXPORT IVMPSolidShape {

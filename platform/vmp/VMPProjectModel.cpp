@@ -2,13 +2,21 @@
 #include "vmp/VMPProjectModel.h"
 
 #include "ndp/NDPDatabase.h"
+#include "vmp/VMPObserver.h"
 
 #include <QFileInfo>
+
+#include <algorithm>
 
 using ndp::CDBField;
 using ndp::EnDBFieldKind;
 
 IVMPModel::~IVMPModel() = default;
+IVMPElementDrawObj* IVMPModel::getElementDrawObj(std::int64_t) { return nullptr; }
+void IVMPModel::attachObserver(VMPObserver*) {}
+void IVMPModel::detachObserver(VMPObserver*) {}
+void IVMPModel::attachListener(IVMPListener*) {}
+void IVMPModel::detachListener(IVMPListener*) {}
 IVMPService::~IVMPService() = default;
 
 VMPProjectModel::VMPProjectModel() : m_database(std::make_unique<ndp::CDatabase>()) {}
@@ -42,6 +50,16 @@ bool VMPProjectModel::createProjectTables(ndp::CDatabase* db) {
           {L"IsTail", EnDBFieldKind::Bool},
           {L"LocalCoordinate", EnDBFieldKind::Coord3},
           {L"OffsetValue", EnDBFieldKind::Double}}},
+        {L"Member",
+         {{L"ID", EnDBFieldKind::Int64, true},
+          {L"Section", EnDBFieldKind::Text},
+          {L"StartX", EnDBFieldKind::Double},
+          {L"StartY", EnDBFieldKind::Double},
+          {L"StartZ", EnDBFieldKind::Double},
+          {L"EndX", EnDBFieldKind::Double},
+          {L"EndY", EnDBFieldKind::Double},
+          {L"EndZ", EnDBFieldKind::Double},
+          {L"Roll", EnDBFieldKind::Double}}},
         {L"SNSolidShape",
          {{L"ID", EnDBFieldKind::Int64, true},
           {L"TargetID", EnDBFieldKind::Int64, true},
@@ -74,3 +92,42 @@ bool VMPProjectModel::save() {
 }
 
 ndp::CDatabase* VMPProjectModel::getProjectDB() { return m_database->IsOpen() ? m_database.get() : nullptr; }
+
+IVMPElementDrawObj* VMPProjectModel::getElementDrawObj(std::int64_t id) {
+    VMPMember member;
+    if (!VMPReadMember(getProjectDB(), id, member, nullptr)) return nullptr;
+    std::unique_ptr<VMPMemberElement>& element = m_elements[id];
+    if (!element) element = std::make_unique<VMPMemberElement>(this, m_shapeFactory);
+    element->assign(member);
+    return element.get();
+}
+
+void VMPProjectModel::attachObserver(VMPObserver* observer) {
+    if (observer && std::find(m_observers.begin(), m_observers.end(), observer) == m_observers.end())
+        m_observers.push_back(observer);
+}
+
+void VMPProjectModel::detachObserver(VMPObserver* observer) {
+    m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
+}
+
+void VMPProjectModel::attachListener(IVMPListener* listener) {
+    if (listener && std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end())
+        m_listeners.push_back(listener);
+}
+
+void VMPProjectModel::detachListener(IVMPListener* listener) {
+    m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), listener), m_listeners.end());
+}
+
+void VMPProjectModel::notifyUpdate(std::uint32_t flags, void* data) {
+    // A copy: an observer may detach itself while it is told.
+    const std::vector<VMPObserver*> observers = m_observers;
+    for (VMPObserver* observer : observers) observer->update(flags, data);
+}
+
+void VMPProjectModel::notifyElementChange(int kind, IVMPElementDrawObj* element, const std::wstring& property,
+                                          bool refreshAll) {
+    const std::vector<IVMPListener*> listeners = m_listeners;
+    for (IVMPListener* listener : listeners) listener->onNotify(kind, element, property, refreshAll);
+}

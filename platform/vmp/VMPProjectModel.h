@@ -4,10 +4,13 @@
 
 #include "PlatformGlobal.h"
 #include "vmp/IVMPModel.h"
+#include "vmp/VMPMembers.h"
 
 #include <QString>
 
+#include <map>
 #include <memory>
+#include <vector>
 
 class BXQPLATFORM_EXPORT VMPProjectModel : public IVMPModel {
 public:
@@ -26,7 +29,26 @@ public:
     // Creates any project table the database lacks.
     static bool createProjectTables(ndp::CDatabase* database);
 
+    // Members are elements: looked up by id in the "Member" table, their solids built by the
+    // factory the host sets.
+    IVMPElementDrawObj* getElementDrawObj(std::int64_t id) override;
+    void setSolidShapeFactory(VMPSolidShapeFactory factory) { m_shapeFactory = std::move(factory); }
+
+    void attachObserver(VMPObserver* observer) override;
+    void detachObserver(VMPObserver* observer) override;
+    void attachListener(IVMPListener* listener) override;
+    void detachListener(IVMPListener* listener) override;
+    // Tells every observer that the model was updated (flags: EnVMPModelUpdate bits).
+    void notifyUpdate(std::uint32_t flags, void* data = nullptr);
+    // Tells every listener that an element changed.
+    void notifyElementChange(int kind, IVMPElementDrawObj* element, const std::wstring& property, bool refreshAll);
+
 private:
     std::unique_ptr<ndp::CDatabase> m_database;
     QString m_lastError;
+    VMPSolidShapeFactory m_shapeFactory;
+    // Element objects stay alive as long as the model, so that pointers handed out stay valid.
+    std::map<std::int64_t, std::unique_ptr<VMPMemberElement>> m_elements;
+    std::vector<VMPObserver*> m_observers;
+    std::vector<IVMPListener*> m_listeners;
 };

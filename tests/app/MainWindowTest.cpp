@@ -1,7 +1,7 @@
 // The bxq gui window as a user drives it: the project it creates, a section and a plate chosen
 // in the library's dialogs and shown with their figures, the project's own sections listed, and
 // closing with unsaved changes asking first.
-#include "app/BXQMainWindow.h"
+#include "app/window/BXQMainWindow.h"
 
 #include "face_steel/BXQFaceSteelDialog.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"

@@ -74,21 +74,27 @@ TEST(BxqMember, CuttingPlanesOfTheElementTrimItsSolid) {
     const QString project = dir.filePath("cuts.KDB");
     const double full = member({"H400*200*8*13", "--length", "6000"}).value("volume").toDouble();
 
-    // No plane yet: the project's element gets the whole member.
-    ASSERT_EQ(bxq({"cut-plane", "add", "--project", project, "--id", "9", "--head", "--origin", "0,0,1000",
+    // Two stored members; the second gets the planes.
+    for (const char* y : {"0", "5000"})
+        ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from",
+                       QString("0,%1,0").arg(y), "--to", QString("6000,%1,0").arg(y)})
+                      .exitCode,
+                  0);
+    ASSERT_EQ(bxq({"cut-plane", "add", "--project", project, "--id", "2", "--head", "--origin", "0,0,1000",
                    "--normal", "0,0,1"})
                   .exitCode,
               0);
-    EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "7"}).value("volume").toDouble(),
+    // No plane on member 1: the whole member.
+    EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "1"}).value("volume").toDouble(),
                 full, 1e-6 * full);
-    // Element 9: a head cut 1000 in, then a tail cut 1000 back from the end.
-    EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "9"}).value("volume").toDouble(),
+    // Member 2: a head cut 1000 in, then a tail cut 1000 back from the end.
+    EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "2"}).value("volume").toDouble(),
                 full * 5 / 6, 1e-6 * full);
-    const BxqRun tail = bxq({"cut-plane", "add", "--project", project, "--id", "9", "--tail", "--origin", "0,0,-1000",
+    const BxqRun tail = bxq({"cut-plane", "add", "--project", project, "--id", "2", "--tail", "--origin", "0,0,-1000",
                              "--normal", "0,0,-1"});
     ASSERT_EQ(tail.exitCode, 0) << tail.err.constData();
-    EXPECT_TRUE(tail.out.startsWith("cutting plane 2 of element 9 (tail)")) << tail.out.constData();
-    const QJsonObject cut = member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "9", "--step",
+    EXPECT_EQ(tail.out, "added cutting plane to member 2 (tail), id 2\n");
+    const QJsonObject cut = member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "2", "--step",
                                     dir.filePath("m.step"), "--stl", dir.filePath("m.stl")});
     EXPECT_NEAR(cut.value("volume").toDouble(), full * 4 / 6, 1e-6 * full);
     EXPECT_NEAR(numbers(cut.value("bbox"))[2], 1000, 1e-6);

@@ -1,7 +1,7 @@
 // The main window of bxq gui.
-#include "app/BXQMainWindow.h"
+#include "app/window/BXQMainWindow.h"
 
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "face_steel/BXQFaceSteelDialog.h"
 #include "ndp/NDPDatabase.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"

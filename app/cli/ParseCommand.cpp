@@ -2,9 +2,11 @@
 // Catalogue names (I, [) take their dimensions from the shipped catalogue and user sections
 // ("(ZDY)") their type from the project; both are opened only when such a text comes, so texts
 // that need neither parse without any database.
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
+#include "section_data/SKRCatalogueLookup.h"
+#include "section_data/SKRDatabaseError.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 #include "section_spec/WeldSectionNormParser.h"
 
@@ -172,6 +174,9 @@ int runParse(const QStringList& arguments) {
                 registered = true;
                 report = analyse(text, ball);
             }
+            // A catalogue row that could not be read ends the run: no dimensions that look whole.
+            const QString failure = skr::section::SKRCatalogueLookup::takeFailure();
+            if (!failure.isEmpty()) throw skr::section::SKRDatabaseError(failure.toStdString());
             if (catalogueName && !catalogueMissing.isEmpty()) {
                 warn(catalogueMissing);
                 catalogueMissing.clear();

@@ -1,7 +1,8 @@
 // bxq catalogue: the rows of the shipped hot-rolled section catalogue, all or of one type.
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include "ndp/NDPDatabase.h"
@@ -37,10 +38,9 @@ int runCatalogue(const QStringList& arguments) {
 
     std::vector<skr::section::SKRHotRollingSection> sections;
     try {
-        sections = typeGiven ? provider->listByType(type)
-                             : BXQDataSession::allSections(session.catalogue()->GetTable(L"SectionPolyInfor"), provider);
+        sections = typeGiven ? provider->listByType(type) : provider->listAll();
     } catch (const std::exception& e) {
-        return dataError(QStringLiteral("%1: a catalogue row cannot be read (%2)").arg(path, QString::fromUtf8(e.what())));
+        return dataError(skr::section::failureText(provider->table(), e));
     }
     const QByteArray out = cli.isSet(QStringLiteral("json")) ? sectionJson(sections) : sectionLines(sections);
     std::fwrite(out.constData(), 1, static_cast<size_t>(out.size()), stdout);

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -34,6 +35,13 @@ QString shortestNumber(double value);
 // A number argument: finite, whole text; false otherwise.
 bool readNumber(const QString& text, double* value);
 
+// A triple "x,y,z" of finite numbers.
+bool readTriple(const QString& text, std::array<double, 3>& out);
+// An id: a whole number.
+bool readId(const QString& text, qint64* id);
+// Writes text to standard output at once.
+void print(const QByteArray& text);
+
 // Calls take for each argument, and for each line of standard input in place of an argument "-".
 void forEachInput(const QStringList& arguments, const std::function<void(const QString&)>& take);
 
@@ -50,7 +58,11 @@ void addLanguageOption(QCommandLineParser& parser);
 // Installs the translation --lang asked for; false (with a message printed) when there is none.
 bool applyLanguageOption(const QCommandLineParser& parser);
 
+// Thrown once a verb's --help has been printed; the run ends with status 0.
+struct HelpShown {};
+
 // Parses a verb's arguments (arguments[0] is the verb); false on a usage error, message printed.
+// --help (on every verb) prints the verb's usage with an example and throws HelpShown.
 bool parseArguments(QCommandLineParser& parser, const QStringList& arguments);
 
 int runParse(const QStringList& arguments);
@@ -60,6 +72,7 @@ int runSurfacePerMetre(const QStringList& arguments);
 int runUserSection(const QStringList& arguments);
 int runMember(const QStringList& arguments);
 int runCutPlane(const QStringList& arguments);
+int runView(const QStringList& arguments);
 int runFaceSteel(const QStringList& arguments);
 int runOutline(const QStringList& arguments);
 

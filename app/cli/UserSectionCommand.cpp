@@ -4,9 +4,10 @@
 // Names are stored as the host's dialog stores them, so that the parser finds them: a section
 // code of letters, a size of digits, "." and "*", no blanks, and the mark "(ZDY)" at the end,
 // which add appends when it is not typed.
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include "ndp/NDPDatabase.h"
@@ -113,7 +114,7 @@ public:
             !readParams(m_cli.values(QStringLiteral("param")), &section.params, &error))
             return usageError(error);
 
-        if (!open(true, &error)) return dataError(error);
+        if (!open(true, &error) || !m_session.beginProjectChange(&error)) return dataError(error);
         if (m_provider->findByName(section.standardName).first)
             return dataError(QStringLiteral("a user section %1 exists already in %2").arg(name, project()));
         // The type's rows decide the sub number; a taken one is refused, as removing goes by both.
@@ -144,7 +145,7 @@ public:
             (areaGiven && !readFigure(m_cli, QStringLiteral("area"), &area, &error)))
             return usageError(error);
 
-        if (!open(false, &error)) return dataError(error);
+        if (!open(false, &error) || !m_session.beginProjectChange(&error)) return dataError(error);
         // The name as typed, else in its stored form (the mark appended).
         skr::section::SKRHotRollingLookup found = m_provider->findByName(text.toStdWString());
         QString name;
@@ -168,12 +169,14 @@ public:
         const int sub = m_cli.value(QStringLiteral("sub")).toInt(&subOk);
         if (!typeOk || !subOk) return usageError(QStringLiteral("remove needs --type N and --sub K"));
 
-        if (!open(false, &error)) return dataError(error);
+        if (!open(false, &error) || !m_session.beginProjectChange(&error)) return dataError(error);
         std::vector<SKRHotRollingSection> removed;
         for (const SKRHotRollingSection& row : m_provider->listByType(type))
             if (row.subId == sub) removed.push_back(row);
-        if (!m_provider->removeSection(type, sub))
+        if (removed.empty())
             return dataError(QStringLiteral("no user section of type %1 sub %2 in %3").arg(type).arg(sub).arg(project()));
+        if (!m_provider->removeSection(type, sub))
+            return dataError(QStringLiteral("cannot remove type %1 sub %2 from %3: %4").arg(type).arg(sub).arg(project(), databaseError()));
         if (!m_session.saveProject(&error)) return dataError(error);
         write(sectionLines(removed));
         return 0;
@@ -197,6 +200,16 @@ private:
         return m_provider != nullptr;
     }
     QString project() const { return m_cli.value(QStringLiteral("project")); }
+
+public:
+    // One line for a failure that ended the action: a database's own reason names the file; a
+    // row that cannot be read is named with the project.
+    QString failure(const std::exception& e) const {
+        if (dynamic_cast<const skr::section::SKRDatabaseError*>(&e)) return QString::fromUtf8(e.what());
+        return QStringLiteral("%1: %2").arg(project(), QString::fromUtf8(e.what()));
+    }
+
+private:
     QString databaseError() const {
         const QString reason = m_session.projectDB() ? m_session.projectDB()->GetLastError() : QString();
         return reason.isEmpty() ? QStringLiteral("the project cannot be written") : reason;
@@ -249,8 +262,8 @@ int runUserSection(const QStringList& arguments) {
         if (action == QLatin1String("remove")) return command.remove();
         return command.list();
     } catch (const std::exception& e) {
-        // A row that cannot be read; the project is left as it was.
-        return dataError(QStringLiteral("%1: %2").arg(cli.value(QStringLiteral("project")), QString::fromUtf8(e.what())));
+        // A row or database that cannot be read or written; the project is left as it was.
+        return dataError(command.failure(e));
     }
 }
 

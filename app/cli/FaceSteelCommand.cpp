@@ -1,5 +1,5 @@
 // bxq face-steel: the weight per square metre of a face-steel plate of a class and thickness.
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
 #include "face_steel/BXQFaceSteelData.h"

@@ -1,6 +1,8 @@
 // bxq: the reference host of the BXQExtend library, on the command line and as a window.
-#include "app/BXQCommand.h"
-#include "app/BXQMainWindow.h"
+#include "app/cli/BXQCommand.h"
+#include "app/window/BXQMainWindow.h"
+
+#include "ndp/NDPDatabase.h"
 
 #include <QCoreApplication>
 
@@ -29,15 +31,28 @@ const char kUsage[] =
     "  face-steel CLASS THICKNESS          weight per square metre (kg/m2) of a face-steel plate\n"
     "  outline TEXT|--section SPEC [--svg FILE] [--json]\n"
     "                                      area, perimeter, box, centroid and moments of an outline\n"
+    "  member add --project FILE --section SPEC --from X,Y,Z --to X,Y,Z [--roll DEG]\n"
+    "  member list --project FILE [--json]\n"
+    "  member remove --project FILE ID     the project's members\n"
     "  member SPEC --length L [--project FILE --id N] [--step FILE] [--stl FILE] [--json]\n"
     "                                      a member's solid, trimmed by its cutting planes\n"
-    "  cut-plane add --project FILE --id N (--head|--tail) --origin x,y,z --normal x,y,z\n"
-    "                                      a cutting plane of an element (normal towards the part kept)\n"
+    "  cut-plane add --project FILE --id MEMBER (--head|--tail) --origin X,Y,Z --normal X,Y,Z\n"
+    "  cut-plane list --project FILE [--id MEMBER] [--json]\n"
+    "  cut-plane move --project FILE RECORD --by DISTANCE\n"
+    "  cut-plane remove --project FILE RECORD\n"
+    "                                      cutting planes of members (normal towards the part kept)\n"
+    "  view --project FILE [--json] [--png FILE] [--size WxH] [--view iso|front|top|right] [--select RECORD]...\n"
+    "                                      the members and their cutting planes as the 3D view shows them\n"
+    "every verb takes --help\n"
     "exit status: 0 done, 1 a database or project that cannot be used or a refused change, 2 usage\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    // How long a verb waits for a database file that another program holds before it says so.
+    bool waitGiven = false;
+    const int wait = qEnvironmentVariableIntValue("BXQ_BUSY_TIMEOUT", &waitGiven);
+    if (waitGiven) ndp::CDatabase::SetBusyTimeout(wait);
     // The window needs a QApplication, which must be the only application object.
     if (argc > 1 && std::strcmp(argv[1], "gui") == 0) {
         try {
@@ -63,12 +78,15 @@ int main(int argc, char** argv) {
         {QStringLiteral("outline"), bxq::runOutline},
         {QStringLiteral("member"), bxq::runMember},
         {QStringLiteral("cut-plane"), bxq::runCutPlane},
+        {QStringLiteral("view"), bxq::runView},
     };
     const auto verb = verbs.find(arguments[1]);
     if (verb == verbs.end()) return bxq::usageError(QStringLiteral("unknown verb '%1' (try bxq --help)").arg(arguments[1]));
     // Whatever a verb did not handle ends the run with a message, never with a crash.
     try {
         return verb->second(arguments.mid(1));
+    } catch (const bxq::HelpShown&) {
+        return 0;
     } catch (const std::exception& e) {
         return bxq::dataError(QString::fromUtf8(e.what()));
     } catch (...) {

@@ -1,6 +1,7 @@
 // bxq wpm and bxq apm: weight and surface per metre of catalogue sections named by their norm
-// text, the user's own sections of a project first, one number per line.
-#include "app/BXQCommand.h"
+// text, the user's own sections of a project first, one number per line; a row or database that
+// cannot be read ends the run with its reason (exit status 1), never with a 0 that looks found.
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
 #include "section_data/SKRPerMetreLookup.h"
@@ -34,8 +35,8 @@ int runPerMetre(const QStringList& arguments, bool weight) {
 
     using skr::section::SKRPerMetreLookup;
     forEachInput(norms, [weight](const QString& norm) {
-        const double value =
-            weight ? SKRPerMetreLookup::weightPerMetre(norm) : SKRPerMetreLookup::surfacePerMetre(norm);
+        const skr::section::SKRHotRollingLookup found = SKRPerMetreLookup::lookUp(norm);
+        const double value = !found.first ? 0.0 : weight ? found.second.weightMeter : found.second.area;
         const QByteArray line = shortestNumber(value).toUtf8() + '\n';
         std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
     });

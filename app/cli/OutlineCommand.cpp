@@ -1,6 +1,6 @@
 // bxq outline: the polygon of an outline text, or of a section specification drawn with its
 // catalogue radii, and its section properties; optionally a picture of it as SVG.
-#include "app/BXQCommand.h"
+#include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
 #include "section_geometry/SKRSectionPolygonParser.h"
