@@ -39,7 +39,7 @@ BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QStringLi
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
     env.insert(QStringLiteral("BXQ_BUSY_TIMEOUT"), QStringLiteral("300"));
-    for (const QString& setting : environment) env.insert(setting.section('=', 0, 0), setting.section('=', 1));
+    for (const QString& setting : environment) env.insert(setting.section('=', 0, 0), setting.section('=', 1, -1));
     process.setProcessEnvironment(env);
     if (ordinaryUser && ::getuid() == 0)
         process.start(QStringLiteral("setpriv"), QStringList{"--reuid=65534", "--regid=65534", "--clear-groups",

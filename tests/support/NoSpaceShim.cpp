@@ -29,19 +29,19 @@ Function real(const char* name) {
 
 extern "C" {
 
-ssize_t write(int fd, const void* buffer, size_t size) {
+__attribute__((visibility("default"))) ssize_t write(int fd, const void* buffer, size_t size) {
     if (isDatabase(fd)) return errno = ENOSPC, -1;
     static const auto next = real<ssize_t (*)(int, const void*, size_t)>("write");
     return next(fd, buffer, size);
 }
 
-ssize_t pwrite(int fd, const void* buffer, size_t size, off_t offset) {
+__attribute__((visibility("default"))) ssize_t pwrite(int fd, const void* buffer, size_t size, off_t offset) {
     if (isDatabase(fd)) return errno = ENOSPC, -1;
     static const auto next = real<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
     return next(fd, buffer, size, offset);
 }
 
-ssize_t pwrite64(int fd, const void* buffer, size_t size, off64_t offset) {
+__attribute__((visibility("default"))) ssize_t pwrite64(int fd, const void* buffer, size_t size, off64_t offset) {
     if (isDatabase(fd)) return errno = ENOSPC, -1;
     static const auto next = real<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
     return next(fd, buffer, size, offset);
