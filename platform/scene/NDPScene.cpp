@@ -31,7 +31,8 @@ void CStateSet::SetMaterial(const CColor& color) {
     material->setAmbient(osg::Material::FRONT_AND_BACK, diffuse * 0.45f);
     material->setSpecular(osg::Material::FRONT_AND_BACK, osg::Vec4(0.15f, 0.15f, 0.15f, 1.0f));
     material->setShininess(osg::Material::FRONT_AND_BACK, 24.0f);
-    material->setEmission(osg::Material::FRONT_AND_BACK, osg::Vec4(0, 0, 0, 1));
+    // A glow of its own keeps the colour recognisable on faces the light grazes.
+    material->setEmission(osg::Material::FRONT_AND_BACK, osg::Vec4(diffuse.r() * 0.3f, diffuse.g() * 0.3f, diffuse.b() * 0.3f, 1));
     // Unlit drawing takes the current colour, so that the material shows with lighting off too.
     material->setColorMode(osg::Material::OFF);
 }

@@ -3,7 +3,9 @@
 // exit status of bad input.
 #include <gtest/gtest.h>
 
+#include <QColor>
 #include <QFile>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -140,4 +142,158 @@ TEST(BxqMember, BadInputIsRefusedWithOneLine) {
     }
     EXPECT_FALSE(QFile::exists(dir.filePath("none.KDB")));
     EXPECT_FALSE(QFile::exists(dir.filePath("p.KDB")));
+}
+
+TEST(BxqMember, StoredMembersAndTheirPlanesAreAddedListedMovedAndRemoved) {
+    QTemporaryDir dir;
+    const QString project = dir.filePath("model.KDB");
+    const BxqRun added = bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0",
+                              "--to", "6000,0,0"});
+    ASSERT_EQ(added.exitCode, 0) << added.err.constData();
+    EXPECT_TRUE(added.out.endsWith(" 1\n")) << added.out.constData();
+    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "I20a", "--from", "0,3000,0", "--to",
+                   "0,3000,4000", "--roll", "90"})
+                  .exitCode,
+              0);
+    const BxqRun plane = bxq({"cut-plane", "add", "--project", project, "--id", "1", "--tail", "--origin", "0,0,-1000",
+                              "--normal", "0,0,-1"});
+    ASSERT_EQ(plane.exitCode, 0) << plane.err.constData();
+
+    // The list weighs each member after its cuts: the welded H is 5/6 of its plate area x 6 m.
+    const BxqRun listed = bxq({"member", "list", "--project", project, "--json"});
+    ASSERT_EQ(listed.exitCode, 0) << listed.err.constData();
+    const QJsonArray members = QJsonDocument::fromJson(listed.out).array();
+    ASSERT_EQ(members.size(), 2);
+    const double area = 2 * 200 * 13 + (400 - 26) * 8;
+    EXPECT_NEAR(members[0].toObject().value("weight").toDouble(), area * 5000 * 7.85e-6, 1e-6);
+    EXPECT_EQ(members[0].toObject().value("length").toDouble(), 6000);
+    EXPECT_EQ(members[1].toObject().value("section").toString(), "I20a");
+    EXPECT_EQ(members[1].toObject().value("roll").toDouble(), 90);
+    EXPECT_NEAR(members[1].toObject().value("weight").toDouble(), 4 * 27.9, 0.02 * 4 * 27.9);
+
+    // Moving the plane 500 further along its normal (towards the head) shortens the member.
+    ASSERT_EQ(bxq({"cut-plane", "move", "--project", project, "1", "--by", "500"}).exitCode, 0);
+    const QJsonArray planes =
+        QJsonDocument::fromJson(bxq({"cut-plane", "list", "--project", project, "--id", "1", "--json"}).out).array();
+    ASSERT_EQ(planes.size(), 1);
+    EXPECT_EQ(planes[0].toObject().value("end").toString(), "tail");
+    EXPECT_EQ(numbers(planes[0].toObject().value("origin")), (QVector<double>{0, 0, -1500}));
+    EXPECT_EQ(planes[0].toObject().value("offset").toDouble(), 500);
+    const QJsonArray shorter = QJsonDocument::fromJson(bxq({"member", "list", "--project", project, "--json"}).out).array();
+    EXPECT_NEAR(shorter[0].toObject().value("weight").toDouble(), area * 4500 * 7.85e-6, 1e-6);
+
+    // Removing a member takes its planes with it.
+    ASSERT_EQ(bxq({"member", "remove", "--project", project, "1"}).exitCode, 0);
+    EXPECT_EQ(bxq({"cut-plane", "list", "--project", project}).out, "");
+    EXPECT_EQ(QJsonDocument::fromJson(bxq({"member", "list", "--project", project, "--json"}).out).array().size(), 1);
+}
+
+TEST(BxqMember, StoredMemberVerbsRefuseWhatTheyCannotDo) {
+    QTemporaryDir dir;
+    const QString project = dir.filePath("model.KDB");
+    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
+                   "6000,0,0"})
+                  .exitCode,
+              0);
+    QFile file(project);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    const struct {
+        QStringList arguments;
+        int exitCode;
+    } cases[] = {
+        {{"member", "add", "--project", project, "--section", "XYZ", "--from", "0,0,0", "--to", "1,0,0"}, 1},
+        {{"member", "add", "--project", project, "--section", "H20*200*8*13", "--from", "0,0,0", "--to", "1,0,0"}, 1},
+        {{"member", "add", "--project", project, "--section", "I20a", "--from", "5,5,5", "--to", "5,5,5"}, 2},
+        {{"member", "add", "--project", project, "--section", "I20a", "--from", "0,0", "--to", "5,5,5"}, 2},
+        {{"member", "remove", "--project", project, "7"}, 1},
+        {{"member", "list", "--project", dir.filePath("none.KDB")}, 1},
+        {{"cut-plane", "add", "--project", project, "--id", "7", "--head", "--origin", "0,0,0", "--normal", "0,0,1"}, 1},
+        {{"cut-plane", "list", "--project", project, "--id", "7"}, 1},
+        {{"cut-plane", "move", "--project", project, "3", "--by", "10"}, 1},
+        {{"cut-plane", "move", "--project", project, "3"}, 2},
+        {{"cut-plane", "remove", "--project", project, "3"}, 1},
+        {{"view", "--project", project, "--size", "10x10"}, 2},
+        {{"view", "--project", project, "--view", "under"}, 2},
+        {{"member", "frobnicate", "--project", project}, 2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        const BxqRun run = bxq(c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.err.constData();
+        EXPECT_TRUE(run.out.isEmpty());
+        EXPECT_EQ(run.err.count('\n'), 1) << run.err.constData();
+    }
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before);
+    EXPECT_FALSE(QFile::exists(dir.filePath("none.KDB")));
+}
+
+TEST(BxqMember, EveryVerbAndSubVerbAnswersHelpWithAnExample) {
+    const QStringList verbs[] = {{"parse"},          {"catalogue"},         {"wpm"},
+                                 {"apm"},            {"user-section", "add"}, {"face-steel"},
+                                 {"outline"},        {"member", "add"},     {"member", "list"},
+                                 {"member", "remove"}, {"member"},          {"cut-plane", "add"},
+                                 {"cut-plane", "list"}, {"cut-plane", "move"}, {"cut-plane", "remove"},
+                                 {"view"}};
+    for (const QStringList& verb : verbs) {
+        SCOPED_TRACE(verb.join(' ').toStdString());
+        const BxqRun run = bxq(verb + QStringList{"--help"});
+        EXPECT_EQ(run.exitCode, 0) << run.err.constData();
+        EXPECT_TRUE(run.out.startsWith("Usage: bxq " + verb.first().toUtf8())) << run.out.constData();
+        EXPECT_TRUE(run.out.contains("Example:\n  bxq " + verb.join(' ').toUtf8())) << run.out.constData();
+    }
+}
+
+TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
+    QTemporaryDir dir;
+    const QString project = dir.filePath("view.KDB");
+    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
+                   "6000,0,0"})
+                  .exitCode,
+              0);
+    for (const QStringList& plane : {QStringList{"--head", "--origin", "0,0,1000", "--normal", "0,0,1"},
+                                     QStringList{"--tail", "--origin", "0,0,-1000", "--normal", "0,0,-1"}})
+        ASSERT_EQ(bxq(QStringList{"cut-plane", "add", "--project", project, "--id", "1"} + plane).exitCode, 0);
+
+    const QString png = dir.filePath("iso.png");
+    const BxqRun run = bxq({"view", "--project", project, "--json", "--select", "2", "--png", png, "--size", "400x300",
+                            "--view", "iso"});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    const QJsonArray nodes = QJsonDocument::fromJson(run.out).object().value("nodes").toArray();
+    ASSERT_EQ(nodes.size(), 2);
+    const struct {
+        double centreX;
+        bool selected;
+    } expected[] = {{1000, false}, {5000, true}};
+    for (int i = 0; i < 2; ++i) {
+        const QJsonObject node = nodes[i].toObject();
+        EXPECT_EQ(node.value("record").toInt(), i + 1);
+        EXPECT_EQ(node.value("objectId").toString(), QString::number(76861433354125312LL + i + 1));
+        EXPECT_EQ(node.value("element").toInt(), 1);
+        EXPECT_NEAR(numbers(node.value("centre"))[0], expected[i].centreX, 1e-6);
+        EXPECT_NEAR(std::min(node.value("width").toDouble(), node.value("height").toDouble()), 500, 1e-6);
+        EXPECT_NEAR(std::max(node.value("width").toDouble(), node.value("height").toDouble()), 700, 1e-6);
+        EXPECT_EQ(node.value("selected").toBool(), expected[i].selected);
+    }
+
+    // Seen from the south-east corner above, the member runs left to right: the head plane
+    // (yellow) left of the middle, the selected tail plane (blue) right of it.
+    QImage image(png);
+    ASSERT_EQ(image.size(), QSize(400, 300));
+    int yellowLeft = 0, yellowRight = 0, blueLeft = 0, blueRight = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            const bool yellow = c.red() > 2 * c.blue() + 40 && c.green() > 2 * c.blue() + 30;
+            const bool blue = c.blue() > 2 * c.red() + 40 && c.blue() > c.green() + 40;
+            (x < 200 ? yellowLeft : yellowRight) += yellow;
+            (x < 200 ? blueLeft : blueRight) += blue;
+        }
+    }
+    EXPECT_GT(yellowLeft, 200);
+    EXPECT_GT(blueRight, 200);
+    EXPECT_EQ(yellowRight, 0);
+    EXPECT_EQ(blueLeft, 0);
 }
