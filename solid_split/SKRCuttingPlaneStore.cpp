@@ -6,7 +6,6 @@
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPRef.h"
 
-#include <algorithm>
 
 namespace skr {
 namespace split {
@@ -81,13 +80,15 @@ bool FindCuttingPlaneRecord(ndp::CDatabase* database, std::int64_t recordId, Cut
 }
 
 bool AddCuttingPlaneRecord(ndp::CDatabase* database, CuttingPlaneRecord& record, QString* error) {
-    std::vector<CuttingPlaneRecord> all;
-    if (!ReadCuttingPlaneRecords(database, -1, all, error)) return false;
-    ndp::CDBTable* table = database->GetTable(L"CuttingPlane");
+    ndp::CDBTable* table = planeTable(database, error);
+    if (!table) return false;
     const Fields f(*table);
-    std::int64_t next = 1;
-    for (const CuttingPlaneRecord& r : all) next = std::max(next, r.id + 1);
-    record.id = next;
+    std::int64_t largest = 0;
+    if (!table->GetMaxInt64(f.id, largest)) {
+        if (error) *error = failure(database, QStringLiteral("read the cutting planes"));
+        return false;
+    }
+    record.id = largest + 1;
     const ndp::CRef<ndp::CDBRecord> row(table->CreateRecord());
     row->SetInt64(f.id, record.id);
     row->SetInt64(f.element, record.elementId);

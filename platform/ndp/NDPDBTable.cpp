@@ -196,6 +196,19 @@ CDBRecord* CDBTable::GetRecord(CFileAddress address) {
     return new CDBRecord(this, address, std::move(values));
 }
 
+bool CDBTable::GetMaxInt64(int field, std::int64_t& max) {
+    if (field < 0 || field >= GetFieldCount()) return false;
+    sqlite3_stmt* stmt = statement("SELECT COALESCE(MAX(" + m_columns[static_cast<size_t>(field)] + "), 0) FROM " + quotedTable());
+    if (!stmt) return false;
+    StatementUse use{stmt};
+    if (sqlite3_step(stmt) != SQLITE_ROW) {
+        m_database->setError(QStringLiteral("cannot read table %1").arg(QString::fromStdWString(m_name)));
+        return false;
+    }
+    max = sqlite3_column_int64(stmt, 0);
+    return true;
+}
+
 bool CDBTable::ListAll(CFileAddressList& addresses) {
     sqlite3_stmt* stmt = statement("SELECT kdb_addr FROM " + quotedTable() + " ORDER BY kdb_addr");
     if (!stmt) return false;

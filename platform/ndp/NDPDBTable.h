@@ -44,6 +44,8 @@ public:
 
     // Every record in table order.
     bool ListAll(CFileAddressList& addresses);
+    // The largest value of an integer field (0 in an empty table); false when it cannot be read.
+    bool GetMaxInt64(int field, std::int64_t& max);
     // The first record whose integer field equals key.
     bool Find(int field, std::int64_t key, CFileAddress& address, bool notify = false);
     // Every record whose integer field equals key, in table order.

@@ -105,11 +105,18 @@ bool VMPReadMember(ndp::CDatabase* database, std::int64_t id, VMPMember& member,
 }
 
 bool VMPAddMember(ndp::CDatabase* database, VMPMember& member, QString* error) {
-    std::vector<VMPMember> members;
-    if (!VMPReadMembers(database, members, error)) return false;
-    ndp::CDBTable* table = database->GetTable(L"Member");
+    ndp::CDBTable* table = database ? database->GetTable(L"Member") : nullptr;
+    if (!table) {
+        if (error && database) *error = noTable(database, L"Member");
+        return false;
+    }
     const MemberFields f(*table);
-    member.id = members.empty() ? 1 : members.back().id + 1;
+    std::int64_t largest = 0;
+    if (!table->GetMaxInt64(f.id, largest)) {
+        if (error) *error = QStringLiteral("cannot read the members of %1: %2").arg(database->GetPath(), database->GetLastError());
+        return false;
+    }
+    member.id = largest + 1;
     const ndp::CRef<ndp::CDBRecord> record(table->CreateRecord());
     record->SetInt64(f.id, member.id);
     record->SetString(f.section, member.section.toStdWString());
