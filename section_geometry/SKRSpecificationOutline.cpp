@@ -33,7 +33,11 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
     SKRSectionPolyInfoParser parser;
     parser.parser(specification);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
-    QString reason;
+    QString reason = SKRSectionPolyInfoParser::rangeRefusal(specification);
+    if (!reason.isEmpty()) {
+        if (error) *error = reason;
+        return false;
+    }
     if (info.sectionType <= 0) {
         if (error) *error = QStringLiteral("'%1' is not a section specification").arg(specification);
         return false;

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <QRegularExpression>
 
 #include <cmath>
 
@@ -78,6 +79,32 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     m_paramCount = m_params.size();
     applyWeldedNorm(text);
     if (m_sectionType == stBoltBall || m_sectionType == stWeldBall) m_groupType = sgStandard;
+    // Nothing made from a section may hold an infinite or overflowing figure.
+    if (!outOfRangeDimension(text).isEmpty()) {
+        m_sectionType = stInvalid;
+        m_groupType = -1;
+        for (double& value : m_params) value = 0.0;
+    }
+}
+
+QString SKRSectionPolyInfoParser::outOfRangeDimension(const QString& text) {
+    static const QRegularExpression number(QStringLiteral("(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?"));
+    for (auto it = number.globalMatch(text); it.hasNext();) {
+        const QString written = it.next().captured();
+        bool ok = false;
+        const double value = written.toDouble(&ok);
+        if (!ok || !std::isfinite(value) || value > kMaxDimension) return written;
+    }
+    return QString();
+}
+
+QString SKRSectionPolyInfoParser::rangeRefusal(const QString& text) {
+    const QString dimension = outOfRangeDimension(text);
+    if (dimension.isEmpty()) return dimension;
+    const auto shortened = [](const QString& s) { return s.size() > 40 ? s.left(36) + QStringLiteral("...") : s; };
+    return QStringLiteral("section '%1': dimension %2 is beyond %3 mm")
+        .arg(shortened(text), shortened(dimension))
+        .arg(kMaxDimension, 0, 'f', 0);
 }
 
 // The welded norms decide types 18 to 21 and confirm the others; they see the text with its

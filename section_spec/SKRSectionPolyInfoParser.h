@@ -35,6 +35,16 @@ public:
     // The custom-section keyword in the current user-interface language.
     static QString customSectionKeyword();
 
+    // The largest dimension a text may give, in millimetres: no section of a building is larger,
+    // and figures derived from larger ones (areas, moments) could overflow.
+    static constexpr double kMaxDimension = 1e6;
+    // The first number of text beyond kMaxDimension (or one too long to read), as written;
+    // empty when there is none. parser() refuses such a text as it refuses one it cannot read:
+    // section type and group -1, every parameter 0.
+    static QString outOfRangeDimension(const QString& text);
+    // The one line that refuses such a text, naming it and the number; empty for any other.
+    static QString rangeRefusal(const QString& text);
+
 private:
     void parserType(const QString& text);
     EnSKRSectionType analysePolyID();

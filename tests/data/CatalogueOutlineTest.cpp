@@ -3,6 +3,7 @@
 // rows of each family are printed, and recorded as test properties.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionRepository.h"
+#include "section_geometry/SKROutlineCheck.h"
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 
@@ -73,7 +74,7 @@ protected:
         QString text;
         if (!skr::geometry::sectionOutlineText(type, params, text, error)) return false;
         const auto polygon = skr::geometry::ParseSectionPolygon(text);
-        if (!polygon) return false;
+        if (!polygon || !skr::geometry::checkSectionOutline(*polygon, error)) return false;
         out = ndp::SectionProperties(*polygon);
         return true;
     }
