@@ -367,3 +367,27 @@ TEST(ParserParamEqualString, ValueEndsAtTheNextEqualsSignAndAMissingValueIsEmpty
     EXPECT_TRUE(map.contains("b"));
     EXPECT_TRUE(map.value("b").isEmpty());
 }
+
+TEST(ParseNormalisation, DimensionsBeyondTheBoundAreRefusedAsUnreadableTexts) {
+    const QString huge = QString(400, QLatin1Char('9'));
+    const struct {
+        QString text;
+        QString dimension;
+    } cases[] = {{"TY400*7760*3e46*150*10", "3e46"}, {"H" + huge + "*200*8*13", huge}, {"D1000000.5", "1000000.5"}};
+    for (const auto& refused : cases) {
+        SCOPED_TRACE(refused.text.toStdString());
+        SKRSectionPolyInfoParser parser;
+        parser.parser(refused.text);
+        const GSectionPolyInfo info = parser.sectionPolyInfo();
+        EXPECT_EQ(info.sectionType, -1);
+        EXPECT_EQ(info.groupType, -1);
+        for (double value : info.params) EXPECT_EQ(value, 0.0);
+        EXPECT_EQ(SKRSectionPolyInfoParser::outOfRangeDimension(refused.text), refused.dimension);
+        EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal(refused.text).contains(refused.text.left(20)));
+    }
+    // The bound itself is a size still taken.
+    SKRSectionPolyInfoParser parser;
+    parser.parser("D1000000");
+    EXPECT_EQ(parser.sectionPolyInfo().params, QVector<double>{1e6});
+    EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal("H400*200*8*13").isEmpty());
+}
