@@ -3,6 +3,7 @@
 #include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
+#include "section_geometry/SKROutlineCheck.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 #include "section_geometry/SKRSpecificationOutline.h"
 
@@ -28,24 +29,14 @@ constexpr double kPi = 3.14159265358979323846;
 // Figures for people: ten significant digits are more than any drawing holds.
 QString figure(double value) { return QString::number(std::abs(value) < 1e-9 ? 0.0 : value, 'g', 10); }
 
-// The polygon of an outline text, when every loop of it closes round some area.
+// The polygon of an outline text, when it is a valid outline: figures come from nothing else.
 std::unique_ptr<ndp::CPolygon> outlinePolygon(const QString& text, QString* error) {
     std::unique_ptr<ndp::CPolygon> polygon = text.trimmed().isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(text);
     if (!polygon || polygon->IsEmpty()) {
         *error = QStringLiteral("the outline text has no loop");
         return nullptr;
     }
-    for (int i = 0; i < polygon->GetLoopCount(); ++i) {
-        const ndp::CLoop* loop = polygon->GetLoop(i);
-        if (!loop->IsClosed() || loop->ClockSign() == 0) {
-            *error = QStringLiteral("loop %1 of the outline text does not close round an area").arg(i + 1);
-            return nullptr;
-        }
-    }
-    if (!(polygon->Area() > 0)) {
-        *error = QStringLiteral("the holes of the outline text take all of its area");
-        return nullptr;
-    }
+    if (!skr::geometry::checkSectionOutline(*polygon, error)) return nullptr;
     return polygon;
 }
 

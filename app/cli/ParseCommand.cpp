@@ -161,9 +161,17 @@ int runParse(const QStringList& arguments) {
 
     // A take-off repeats its sections many times; each distinct text is analysed once per run.
     QHash<QString, QByteArray> done;
+    bool refused = false;
     auto write = [&](const QString& text) {
         auto it = done.constFind(text);
         if (it == done.constEnd()) {
+            // A size past any building's is refused, not turned into figures that overflow.
+            const QString tooLarge = SKRSectionPolyInfoParser::rangeRefusal(text);
+            if (!tooLarge.isEmpty()) {
+                warn(tooLarge);
+                refused = true;
+                return;
+            }
             Report report = analyse(text, ball);
             const QString code = report.info.typeCode;
             const bool catalogueName = code == QLatin1String("I") || code == QLatin1String("[");
@@ -188,7 +196,7 @@ int runParse(const QStringList& arguments) {
     };
     forEachInput(texts, write);
     std::fflush(stdout);
-    return 0;
+    return refused ? kDataError : 0;
 }
 
 }  // namespace bxq

@@ -301,3 +301,20 @@ TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
     EXPECT_EQ(subs.size(), writers * adds);
     EXPECT_EQ(names.size(), writers * adds);
 }
+
+TEST_F(BxqFaultTest, NumbersPastAnyBuildingAndOutlinesThatAreNotOneRegionAreRefusedNamingTheText) {
+    const QString huge = QString(400, QLatin1Char('9'));
+    const QList<QPair<QStringList, QString>> cases{
+        {{"parse", "--json", "H" + huge + "*200*8*13"}, "dimension 9999"},
+        {{"parse", "TY400*7760*3e46*150*10"}, "section 'TY400*7760*3e46*150*10': dimension 3e46 is beyond 1000000 mm"},
+        {{"outline", "--section", "TY400*7760*3e46*150*10"}, "dimension 3e46 is beyond 1000000 mm"},
+        {{"outline", "0,0,1e200,50"}, "loop 1 of the outline reaches beyond 1000000 mm"},
+        {{"outline", "--json", "71,0,190,0,00,0;79,0,0,0;79,190,0,0;9,0,0,0;79,190,0,0;150,;0,200,0,0;0,190,0,0;71,190,0,0"},
+         "loop 1 of the outline crosses itself near"},
+    };
+    writeCatalogue(m_catalogue);
+    for (const auto& verb : cases) {
+        SCOPED_TRACE(verb.first.join(' ').left(80).toStdString());
+        expectRefused(bxq(m_data.path(), verb.first), QString(), verb.second);
+    }
+}
