@@ -44,8 +44,8 @@ void useMemberSolids(VMPProjectModel& model) {
 bool writeProject(const QString& path, int count, bool withCuts) {
     VMPProjectModel model;
     if (!model.open(path)) return false;
-    const QString sections[] = {"H400*200*8*13", "H300*150*6*9", "H500*250*10*16", "B200*10", "D219*8",
-                                "H350*175*7*11", "B300*200*8", "D325*10", "H600*300*12*20", "C200*70*20*2"};
+    const QString sections[] = {"H400*200*8*13", "H300*150*6*9", "H500*250*10*16", "H250*125*6*9", "D219*8",
+                                "H350*175*7*11", "C160*60*20*2.5", "D325*10", "H600*300*12*20", "C200*70*20*2"};
     for (int i = 0; i < count; ++i) {
         VMPMember member;
         member.section = withCuts ? QStringLiteral("H400*200*8*13") : sections[i % 10];

@@ -19,3 +19,7 @@ if(BXQ_SANITIZE)
   add_compile_options(-fsanitize=${BXQ_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=${BXQ_SANITIZE})
 endif()
+# Fuzzing: the library carries the coverage the fuzzer steers by; only the targets link its driver.
+if(BXQ_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -11,6 +11,7 @@ packages=(
   libocct-data-exchange-dev libocct-visualization-dev libtbb-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libopenscenegraph-dev libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri libeigen3-dev
+  clang-14 libclang-rt-14-dev
   fonts-wqy-microhei xvfb xauth
 )
 
