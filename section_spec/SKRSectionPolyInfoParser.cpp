@@ -79,10 +79,14 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     m_paramCount = m_params.size();
     applyWeldedNorm(text);
     if (m_sectionType == stBoltBall || m_sectionType == stWeldBall) m_groupType = sgStandard;
-    // Nothing made from a section may hold an infinite or overflowing figure.
+    // Nothing made from a section may hold an infinite or overflowing figure: such a text is
+    // an unknown type, in the group it would have had where that does not follow from the type
+    // (user sections, the custom keyword).
     if (!outOfRangeDimension(text).isEmpty()) {
+        if (!userSection && m_groupType != sgCustom && m_groupType == polyGroupType(m_sectionType))
+            m_groupType = polyGroupType(stInvalid);
         m_sectionType = stInvalid;
-        m_groupType = -1;
+        m_typeIndex = -1;
         for (double& value : m_params) value = 0.0;
     }
 }

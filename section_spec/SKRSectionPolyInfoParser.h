@@ -40,7 +40,8 @@ public:
     static constexpr double kMaxDimension = 1e6;
     // The first number of text beyond kMaxDimension (or one too long to read), as written;
     // empty when there is none. parser() refuses such a text as it refuses one it cannot read:
-    // section type and group -1, every parameter 0.
+    // section type -1, type index -1, every parameter 0, and group -1 unless the text's form
+    // decides its group (a user section stays in the standard group, the custom keyword in its own).
     static QString outOfRangeDimension(const QString& text);
     // The one line that refuses such a text, naming it and the number; empty for any other.
     static QString rangeRefusal(const QString& text);
