@@ -9,6 +9,7 @@
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
+#include "ndp/NDPContentSeal.h"
 #include "ndp/NDPDatabase.h"
 #include "section_geometry/SKRSectionOutline.h"
 
@@ -122,6 +123,8 @@ public:
     }
 
     void commit() {
+        QString error;
+        if (!ndp::SealDatabase(m_db, &error)) throw Failure(error);
         if (!m_db.Flush()) throw Failure(QStringLiteral("%1: cannot be written (%2)").arg(m_name, m_db.GetLastError()));
         m_db.Close();
         QFile::remove(m_final);

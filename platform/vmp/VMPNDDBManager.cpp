@@ -1,6 +1,7 @@
 // VMPNDDBManager: the application's databases by file name.
 #include "vmp/VMPNDDBManager.h"
 
+#include "ndp/NDPContentSeal.h"
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPAppInfo.h"
 
@@ -21,6 +22,12 @@ ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
     const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + name;
     if (!database->Open(path, readOnly)) {
         qWarning("%s", qUtf8Printable(database->GetLastError()));
+        return nullptr;
+    }
+    // A shipped file is read as it was made or not at all.
+    QString damage;
+    if (!ndp::CheckDatabaseSeal(*database, &damage)) {
+        qWarning("%s", qUtf8Printable(damage));
         return nullptr;
     }
     ndp::CDatabase* result = database.get();
