@@ -38,6 +38,9 @@ public:
     // Shows the manager's section type with its values (the manager is not owned). Call again
     // after the manager changed type or values.
     void setManager(SKRPolyParamManger* manager);
+    // Forgets the manager, leaving the fields as they are: its owner calls this before the
+    // manager goes, since a focused field still finishes its editing while it is destroyed.
+    void detachManager() { m_pManager = nullptr; }
     void refresh();
 
     int lineEditCount() const { return m_oEdits.size(); }

@@ -88,7 +88,11 @@ SKRSectionPolyDialog::SKRSectionPolyDialog(IVMPModel* model, QWidget* parent)
     VMPUserTrace::record(QStringLiteral("打开截面库"), QStringLiteral("用户操作记录"));
 }
 
-SKRSectionPolyDialog::~SKRSectionPolyDialog() = default;
+SKRSectionPolyDialog::~SKRSectionPolyDialog() {
+    // The manager is a member and goes before the widgets (children of the QDialog base): the
+    // editor must no longer reach it when its focused field finishes editing on destruction.
+    if (m_pParamEditor) m_pParamEditor->detachManager();
+}
 
 void SKRSectionPolyDialog::initDBTable() {
     try {
