@@ -349,5 +349,160 @@
         <source>项目已修改，是否保存？</source>
         <translation>The project was changed. Save it?</translation>
     </message>
+    <message>
+        <source>三维视图未完整生成（已取消）</source>
+        <translation>The 3D view was not built completely (cancelled)</translation>
+    </message>
+    <message>
+        <source>全部显示</source>
+        <translation>Fit all</translation>
+    </message>
+    <message>
+        <source>删除切割面</source>
+        <translation>Delete cutting plane</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>在构件上点取切割面的位置</source>
+        <translation>Pick the cutting plane's position on a member</translation>
+    </message>
+    <message>
+        <source>恢复“%1”操作</source>
+        <translation>Redo "%1"</translation>
+    </message>
+    <message>
+        <source>截面“%1”无法生成构件：%2</source>
+        <translation>Section "%1" makes no member: %2</translation>
+    </message>
+    <message>
+        <source>撤消“%1”操作</source>
+        <translation>Undo "%1"</translation>
+    </message>
+    <message>
+        <source>无法删除切割面 %1</source>
+        <translation>Cannot delete cutting plane %1</translation>
+    </message>
+    <message>
+        <source>无法移动切割面 %1</source>
+        <translation>Cannot move cutting plane %1</translation>
+    </message>
+    <message>
+        <source>无法给构件 %1 添加切割面：%2</source>
+        <translation>Cannot add a cutting plane to member %1: %2</translation>
+    </message>
+    <message>
+        <source>构件 %1</source>
+        <translation>Member %1</translation>
+    </message>
+    <message>
+        <source>构件 %1 没有长度</source>
+        <translation>Member %1 has no length</translation>
+    </message>
+    <message>
+        <source>构件没有截面</source>
+        <translation>The member has no section</translation>
+    </message>
+    <message>
+        <source>构件的起点和终点必须相距至少 1 mm</source>
+        <translation>The member's start and end must be at least 1 mm apart</translation>
+    </message>
+    <message>
+        <source>模型</source>
+        <translation>Model</translation>
+    </message>
+    <message>
+        <source>正在生成三维视图...</source>
+        <translation>Building the 3D view...</translation>
+    </message>
+    <message>
+        <source>没有选中的切割面</source>
+        <translation>No cutting plane is selected</translation>
+    </message>
+    <message>
+        <source>沿法向移动的距离 (mm)</source>
+        <translation>Distance along the normal (mm)</translation>
+    </message>
+    <message>
+        <source>添加切割面</source>
+        <translation>Add cutting plane</translation>
+    </message>
+    <message>
+        <source>添加构件</source>
+        <translation>Add member</translation>
+    </message>
+    <message>
+        <source>添加构件...</source>
+        <translation>Add member...</translation>
+    </message>
+    <message>
+        <source>点取构件上的一点以添加切割面</source>
+        <translation>Click a point of a member to add a cutting plane</translation>
+    </message>
+    <message>
+        <source>移动切割面</source>
+        <translation>Move cutting plane</translation>
+    </message>
+    <message>
+        <source>移动切割面...</source>
+        <translation>Move cutting plane...</translation>
+    </message>
+    <message>
+        <source>移动距离必须不小于 0.0001 mm</source>
+        <translation>The distance must be at least 0.0001 mm</translation>
+    </message>
+    <message>
+        <source>终点 x,y,z (mm)</source>
+        <translation>End x,y,z (mm)</translation>
+    </message>
+    <message>
+        <source>终点“%1”不是 x,y,z</source>
+        <translation>End "%1" is not x,y,z</translation>
+    </message>
+    <message>
+        <source>视图</source>
+        <translation>View</translation>
+    </message>
+    <message>
+        <source>请点取构件上的一点</source>
+        <translation>Click a point of a member</translation>
+    </message>
+    <message>
+        <source>起点 x,y,z (mm)</source>
+        <translation>Start x,y,z (mm)</translation>
+    </message>
+    <message>
+        <source>起点“%1”不是 x,y,z</source>
+        <translation>Start "%1" is not x,y,z</translation>
+    </message>
+    <message>
+        <source>项目中没有构件 %1</source>
+        <translation>The project has no member %1</translation>
+    </message>
+    <message>
+        <source>轴测</source>
+        <translation>Iso</translation>
+    </message>
+    <message>
+        <source>前视</source>
+        <translation>Front</translation>
+    </message>
+    <message>
+        <source>俯视</source>
+        <translation>Top</translation>
+    </message>
+    <message>
+        <source>右视</source>
+        <translation>Right</translation>
+    </message>
+</context>
+<context>
+    <name>BXQModelView</name>
+    <message>
+        <source>三维视图需要 OpenGL，此平台没有可用的 OpenGL。</source>
+        <translation>The 3D view needs OpenGL, which this platform does not offer.</translation>
+    </message>
 </context>
 </TS>

@@ -3,6 +3,7 @@
 // clicks on planes toggling their selection. Under Xvfb the view draws and its picture is checked.
 #include "app/view/BXQModelScene.h"
 #include "app/window/BXQMainWindow.h"
+#include "plugin/BXQTranslations.h"
 
 #include "ndp/NDPDatabase.h"
 #include "solid_split/SKRCuttingPlaneStore.h"
@@ -17,6 +18,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
+#include <QMenuBar>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -223,4 +225,20 @@ TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
         EXPECT_GT(yellow, 200);
     }
     EXPECT_TRUE(saveScreen(*m_window, QStringLiteral("bxq_model_view")));
+}
+
+TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    bxq::BXQMainWindow english;
+    QString error;
+    ASSERT_TRUE(english.openProject(m_dir.filePath("p.KDB"), &error)) << error.toStdString();
+    QStringList menus;
+    for (QAction* action : english.menuBar()->actions()) menus << action->text();
+    EXPECT_TRUE(menus.contains("Model")) << menus.join(',').toStdString();
+    EXPECT_TRUE(menus.contains("View")) << menus.join(',').toStdString();
+    english.resize(1280, 760);
+    english.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
+    QApplication::processEvents();
+    EXPECT_TRUE(saveScreen(english, QStringLiteral("bxq_model_view_en")));
 }
