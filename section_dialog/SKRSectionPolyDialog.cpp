@@ -89,8 +89,10 @@ SKRSectionPolyDialog::SKRSectionPolyDialog(IVMPModel* model, QWidget* parent)
 }
 
 SKRSectionPolyDialog::~SKRSectionPolyDialog() {
-    // The manager is a member and goes before the widgets (children of the QDialog base): the
-    // editor must no longer reach it when its focused field finishes editing on destruction.
+    // The members (the parameter manager among them) go before the widgets, which the QDialog
+    // base destroys: a focused field still finishes its editing then, and a table still drops
+    // its selection. Neither may reach this dialog's slots or its manager any more.
+    for (QObject* child : findChildren<QObject*>()) child->disconnect(this);
     if (m_pParamEditor) m_pParamEditor->detachManager();
 }
 
