@@ -103,6 +103,12 @@ bool SealDatabase(CDatabase& database, QString* error) {
     return true;
 }
 
+bool IsDatabaseSealed(CDatabase& database) { return database.handle() && applicationId(database.handle()) == kSealedId; }
+
+void HoldReadLock(CDatabase& database) {
+    if (database.handle()) sqlite3_exec(database.handle(), "PRAGMA locking_mode = EXCLUSIVE", nullptr, nullptr, nullptr);
+}
+
 bool CheckDatabaseSeal(CDatabase& database, QString* error) {
     sqlite3* db = database.handle();
     if (!db || applicationId(db) != kSealedId) return true;

@@ -19,5 +19,10 @@ BXQPLATFORM_EXPORT bool SealDatabase(CDatabase& database, QString* error);
 // indexes agree with its tables; false, with
 // the reason naming the file, otherwise (damaged, or unreadable under the check).
 BXQPLATFORM_EXPORT bool CheckDatabaseSeal(CDatabase& database, QString* error);
+// Whether the database carries a seal (it is a shipped file, never written).
+BXQPLATFORM_EXPORT bool IsDatabaseSealed(CDatabase& database);
+// Keeps the read lock of a database nobody writes between its reads (SQLite's exclusive locking
+// mode), sparing every look-up the file-lock calls of taking and dropping it.
+BXQPLATFORM_EXPORT void HoldReadLock(CDatabase& database);
 
 }  // namespace ndp

@@ -30,6 +30,7 @@ ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
         qWarning("%s", qUtf8Printable(damage));
         return nullptr;
     }
+    if (ndp::IsDatabaseSealed(*database)) ndp::HoldReadLock(*database);
     ndp::CDatabase* result = database.get();
     m_databases.emplace(name, std::move(database));
     return result;
