@@ -1,5 +1,6 @@
 // SKRSectionDbOperation: custom polygon sections added, updated, removed and read by ID.
 #include "section_data/SKRSectionDbOperation.h"
+#include "section_data/SKRDatabaseError.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPRef.h"
@@ -51,12 +52,15 @@ SKRSectionDbOperation::SKRSectionDbOperation(ndp::CDatabase* db)
 }
 
 int SKRSectionDbOperation::nextId(ndp::CDBTable* table) const {
+    // A failed read would hand out an ID in use: it throws instead.
+    const skr::section::SKRDatabaseCheck failed(table);
     ndp::CFileAddressList all;
     int last = 0;
     if (table->ListAll(all) && all.GetCount() > 0) {
         ndp::CRef<ndp::CDBRecord> ref(table->GetRecord(all.GetItem(all.GetCount() - 1)));
         last = ref.get() ? ref.get()->GetInt(fieldIndex(table, L"ID"), -1) : -1;
     }
+    failed.check();
     return last + 1;
 }
 
@@ -85,10 +89,14 @@ bool SKRSectionDbOperation::addCustomPoly(SKRCustomPolyInfo& info) {
 }
 
 bool SKRSectionDbOperation::updateCustomPoly(const SKRCustomPolyInfo& info) {
+    const skr::section::SKRDatabaseCheck failed(m_pCustomPoly);
     ndp::CFileAddressList found;
-    if (!m_pCustomPoly->Query(idQuery(info.id), found)) throw std::invalid_argument(kInvalidQuery);
+    const bool accepted = m_pCustomPoly->Query(idQuery(info.id), found);
+    failed.check();
+    if (!accepted) throw std::invalid_argument(kInvalidQuery);
     if (found.GetCount() == 0) return false;
     ndp::CRef<ndp::CDBRecord> ref(m_pCustomPoly->GetRecord(found.GetItem(0)));
+    failed.check();
     if (!ref.get()) return false;
     writeEditableFields(m_pCustomPoly, ref.get(), info);
     const bool modified = m_pCustomPoly->ModifyRecord(ref.get());
@@ -96,8 +104,10 @@ bool SKRSectionDbOperation::updateCustomPoly(const SKRCustomPolyInfo& info) {
 }
 
 bool SKRSectionDbOperation::removeCustomPoly(int id) {
+    const skr::section::SKRDatabaseCheck failed(m_pCustomPoly);
     ndp::CFileAddressList found;
     m_pCustomPoly->Search(fieldIndex(m_pCustomPoly, L"ID"), id, found);
+    failed.check();
     bool removed = false;
     for (int i = 0; i < found.GetCount(); ++i) removed = m_pCustomPoly->DeleteRecord(found.GetItem(i)) || removed;
     return removed;
@@ -114,9 +124,13 @@ bool SKRSectionDbOperation::readCustomPolyWithDrawing(int id, SKRCustomPolyInfo&
 
 bool SKRSectionDbOperation::readById(int id, bool withDrawing, SKRCustomPolyInfo& info, ndp::CPolygon& polygon,
                                      QString* error) {
+    const skr::section::SKRDatabaseCheck failed(m_pCustomPoly);
     ndp::CFileAddressList found;
-    if (!m_pCustomPoly->Query(idQuery(id), found)) throw std::invalid_argument(kInvalidQuery);
+    const bool accepted = m_pCustomPoly->Query(idQuery(id), found);
+    failed.check();
+    if (!accepted) throw std::invalid_argument(kInvalidQuery);
     ndp::CRef<ndp::CDBRecord> ref(found.GetCount() > 0 ? m_pCustomPoly->GetRecord(found.GetItem(0)) : nullptr);
+    failed.check();
     if (!ref.get()) {
         if (error) *error = QStringLiteral("no custom polygon with ID %1").arg(id);
         return false;

@@ -28,7 +28,9 @@ struct BXQEXTEND_EXPORT SKRCustomPolyInfo {
 class BXQEXTEND_EXPORT SKRSectionDbOperation {
 public:
     // Throws std::invalid_argument "cannot accept:DB is nullptr ;CustomPoly doesn't exist;
-    // CustomPolyType doesn't exist" for a null database or one without either table.
+    // CustomPolyType doesn't exist" for a null database or one without either table. Every
+    // operation throws skr::section::SKRDatabaseError (naming the file) when the database fails
+    // under its reads, so that a failed read is never taken for a missing row.
     explicit SKRSectionDbOperation(ndp::CDatabase* db);
 
     // Adds a new custom polygon with a new type row of its own, fills in info's id (last ID + 1)

@@ -5,6 +5,7 @@
 #include "app/BXQDataSession.h"
 
 #include "body_builder/SKRMemberSolidShape.h"
+#include "solid_split/SKRCuttingPlaneStore.h"
 #include "solid_split/SKRSolidSplit.h"
 
 #include "ndp/NDPBody.h"
@@ -97,6 +98,10 @@ int runMemberSolid(const QStringList& arguments) {
 
 // The member's solid after its cutting planes (null with the reason when it cannot be built).
 ndp::CBody* memberSolid(VMPProjectModel* project, std::int64_t id, QString* error) {
+    // The trimming takes a failed read of the planes for no planes: read them first, so that a
+    // damaged table is an error and not an uncut member.
+    std::vector<skr::split::CuttingPlaneRecord> planes;
+    if (!skr::split::ReadCuttingPlaneRecords(project->getProjectDB(), id, planes, error)) return nullptr;
     IVMPElementDrawObj* element = project->getElementDrawObj(id);
     IVMPSolidShape* shape = element ? element->getSolidShape() : nullptr;
     ndp::CBody* body = shape ? skr::split::ApplyCuttingPlanes(*element, *shape) : nullptr;

@@ -2,6 +2,7 @@
 #include "app/view/BXQModelScene.h"
 
 #include "body_builder/SKRMemberSolidShape.h"
+#include "solid_split/SKRCuttingPlaneStore.h"
 #include "solid_split/SKRCuttingPlanes.h"
 #include "solid_split/SKRSolidSplit.h"
 
@@ -89,8 +90,11 @@ BXQModelScene::~BXQModelScene() {
 
 osg::ref_ptr<osg::Geode> BXQModelScene::meshOf(std::int64_t memberId, const QString& section, double length,
                                                 QString* error) {
+    // The planes as the trimming reads them, but a failed read is an error, not an uncut member.
+    std::vector<skr::split::CuttingPlaneRecord> records;
+    if (!skr::split::ReadCuttingPlaneRecords(m_project->getProjectDB(), memberId, records, error)) return nullptr;
     skr::split::CuttingPlaneEntries cuts;
-    skr::split::ReadCuttingPlanes(m_project->getProjectDB(), memberId, cuts, false);
+    for (const auto& record : records) cuts.push_back({record.isTail, record.local});
     const QString key = meshKey(section, length, cuts);
     const auto found = m_meshes.find(key);
     if (found != m_meshes.end()) return found->second;

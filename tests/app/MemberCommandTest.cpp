@@ -12,6 +12,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "support/DamagedDatabase.h"
+
 #include <cmath>
 
 namespace {
@@ -296,4 +298,33 @@ TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
     EXPECT_GT(blueRight, 200);
     EXPECT_EQ(yellowRight, 0);
     EXPECT_EQ(blueLeft, 0);
+}
+
+TEST(BxqMember, ADamagedPlaneRowIsAnErrorNotAnUncutMember) {
+    QTemporaryDir dir;
+    const QString project = dir.filePath("damaged.KDB");
+    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
+                   "6000,0,0"})
+                  .exitCode,
+              0);
+    ASSERT_EQ(bxq({"cut-plane", "add", "--project", project, "--id", "1", "--head", "--origin", "0,0,1000", "--normal",
+                   "0,0,1"})
+                  .exitCode,
+              0);
+    // The plane's frame spilled over overflow pages, then their chain broken.
+    QProcess sqlite;
+    sqlite.start("sqlite3", {project, "UPDATE \"CuttingPlane\" SET \"LocalCoordinate\" = '" + bxqtest::longNumberText("1") + "'"});
+    ASSERT_TRUE(sqlite.waitForFinished(30000));
+    ASSERT_EQ(sqlite.exitCode(), 0) << sqlite.readAllStandardError().constData();
+    ASSERT_TRUE(bxqtest::damageLongRow(project));
+    for (const QStringList& verb : {QStringList{"member", "list", "--project", project},
+                                    QStringList{"cut-plane", "list", "--project", project},
+                                    QStringList{"view", "--project", project, "--json"}}) {
+        SCOPED_TRACE(verb.join(' ').toStdString());
+        const BxqRun run = bxq(verb);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.out.isEmpty()) << run.out.constData();
+        EXPECT_EQ(run.err.count('\n'), 1) << run.err.constData();
+        EXPECT_TRUE(run.err.contains("damaged.KDB")) << run.err.constData();
+    }
 }
