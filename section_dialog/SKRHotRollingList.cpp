@@ -1,6 +1,8 @@
 // The hot-rolled list of the section dialog.
 #include "section_dialog/SKRHotRollingList.h"
 
+#include "section_data/SKRDatabaseError.h"
+
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include <QCoreApplication>
@@ -14,16 +16,18 @@ const QString kUserMark = QStringLiteral("(ZDY)");
 
 QString text(const char* source) { return QCoreApplication::translate("SKRSectionPolyDlg", source); }
 
-// A provider's rows of the types; a refused read contributes nothing rather than failing the list.
+// A provider's rows of the types. A refused read leaves its type out of the list and its reason
+// in error, so that the dialog can say the list is incomplete.
 template <typename Provider>
-void appendRows(const QVector<int>& sectionTypes, std::vector<SKRHotRollingSection>& sections) {
+void appendRows(const QVector<int>& sectionTypes, std::vector<SKRHotRollingSection>& sections, QString& error) {
     auto* provider = skr::util::FetchInstance<Provider>();
     if (!provider) return;
     for (int type : sectionTypes) {
         try {
             const std::vector<SKRHotRollingSection> rows = provider->listByType(type);
             sections.insert(sections.end(), rows.begin(), rows.end());
-        } catch (const std::exception&) {
+        } catch (const std::exception& failure) {
+            if (error.isEmpty()) error = skr::section::failureText(provider->table(), failure);
         }
     }
 }
@@ -33,8 +37,9 @@ SKRHotRollingListModel::SKRHotRollingListModel(QObject* parent) : QAbstractTable
 
 void SKRHotRollingListModel::load(const QVector<int>& sectionTypes) {
     std::vector<SKRHotRollingSection> sections;
-    appendRows<skr::section::SKRHotRollingSectionDBProvider>(sectionTypes, sections);
-    appendRows<skr::section::SKRUserHotRollingSectionDBProvider>(sectionTypes, sections);
+    m_oLoadError.clear();
+    appendRows<skr::section::SKRHotRollingSectionDBProvider>(sectionTypes, sections, m_oLoadError);
+    appendRows<skr::section::SKRUserHotRollingSectionDBProvider>(sectionTypes, sections, m_oLoadError);
     setSections(std::move(sections));
 }
 

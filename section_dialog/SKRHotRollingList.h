@@ -21,6 +21,8 @@ public:
     // Reads every catalogue row of the types, then the user's rows of those types, from the
     // registered providers (an absent provider contributes nothing).
     void load(const QVector<int>& sectionTypes);
+    // Why the last load left rows out (a database that failed under the read); empty when whole.
+    const QString& loadError() const { return m_oLoadError; }
     void setSections(std::vector<skr::section::SKRHotRollingSection> sections);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -36,6 +38,7 @@ public:
 
 private:
     std::vector<skr::section::SKRHotRollingSection> m_oSections;
+    QString m_oLoadError;
 };
 
 class SKRHotRollingFilterModel : public QSortFilterProxyModel {

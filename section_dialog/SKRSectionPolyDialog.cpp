@@ -422,7 +422,12 @@ void SKRSectionPolyDialog::catalogueRowChanged() {
     showEditCustomBtn(section != nullptr);
 }
 
-void SKRSectionPolyDialog::reloadHotRolledList() { m_pHotRolledModel->load(m_oCatalogueTypes); }
+void SKRSectionPolyDialog::reloadHotRolledList() {
+    m_pHotRolledModel->load(m_oCatalogueTypes);
+    // A list that lost rows to a failed read says so rather than look whole.
+    if (!m_pHotRolledModel->loadError().isEmpty())
+        VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"), m_pHotRolledModel->loadError());
+}
 
 void SKRSectionPolyDialog::selectCatalogueRow(const QString& standardName) {
     const int sourceRow = m_pHotRolledModel->rowOf(standardName);
