@@ -47,6 +47,12 @@ bool readTriple(const QString& text, std::array<double, 3>& out) {
     return true;
 }
 
+QString tripleText(const std::array<double, 3>& v) {
+    return QStringLiteral("%1,%2,%3").arg(shortestNumber(v[0]), shortestNumber(v[1]), shortestNumber(v[2]));
+}
+
+QJsonArray tripleJson(const std::array<double, 3>& v) { return QJsonArray{v[0], v[1], v[2]}; }
+
 bool readId(const QString& text, qint64* id) {
     bool ok = false;
     *id = text.trimmed().toLongLong(&ok);

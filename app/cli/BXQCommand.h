@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCommandLineParser>
+#include <QJsonArray>
 #include <QString>
 #include <QStringList>
 
@@ -37,6 +38,9 @@ bool readNumber(const QString& text, double* value);
 
 // A triple "x,y,z" of finite numbers.
 bool readTriple(const QString& text, std::array<double, 3>& out);
+// A triple as "x,y,z" in shortest numbers, and as a JSON array.
+QString tripleText(const std::array<double, 3>& v);
+QJsonArray tripleJson(const std::array<double, 3>& v);
 // An id: a whole number.
 bool readId(const QString& text, qint64* id);
 // Writes text to standard output at once.

@@ -20,12 +20,6 @@ namespace {
 
 using skr::split::CuttingPlaneRecord;
 
-QString tripleText(const ndp::CVector3& v) {
-    return QStringLiteral("%1,%2,%3").arg(shortestNumber(v[0]), shortestNumber(v[1]), shortestNumber(v[2]));
-}
-
-QJsonArray tripleJson(const ndp::CVector3& v) { return QJsonArray{v[0], v[1], v[2]}; }
-
 bool memberExists(BXQDataSession& session, qint64 id, QString* error) {
     VMPMember member;
     if (VMPReadMember(session.projectDB(), id, member, error)) return true;

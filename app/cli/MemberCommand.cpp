@@ -112,12 +112,6 @@ ndp::CBody* memberSolid(VMPProjectModel* project, std::int64_t id, QString* erro
     return body;
 }
 
-QString tripleText(const ndp::CVector3& v) {
-    return QStringLiteral("%1,%2,%3").arg(shortestNumber(v[0]), shortestNumber(v[1]), shortestNumber(v[2]));
-}
-
-QJsonArray tripleJson(const ndp::CVector3& v) { return QJsonArray{v[0], v[1], v[2]}; }
-
 int memberAdd(QCommandLineParser& cli, BXQDataSession& session) {
     VMPMember member;
     member.section = cli.value(QStringLiteral("section")).trimmed();

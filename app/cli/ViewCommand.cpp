@@ -17,8 +17,6 @@
 namespace bxq {
 namespace {
 
-QJsonArray tripleJson(const ndp::CVector3& v) { return QJsonArray{v[0], v[1], v[2]}; }
-
 QByteArray nodesJson(skr::split::SKRSplitPlaneDisplayManager& planes) {
     QJsonArray nodes;
     for (std::int64_t record : planes.DisplayedRecords()) {

@@ -102,23 +102,21 @@ IVMPElementDrawObj* VMPProjectModel::getElementDrawObj(std::int64_t id) {
     return element.get();
 }
 
-void VMPProjectModel::attachObserver(VMPObserver* observer) {
-    if (observer && std::find(m_observers.begin(), m_observers.end(), observer) == m_observers.end())
-        m_observers.push_back(observer);
+namespace {
+template <class T>
+void attach(std::vector<T*>& list, T* item) {
+    if (item && std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);
 }
+template <class T>
+void detach(std::vector<T*>& list, T* item) {
+    list.erase(std::remove(list.begin(), list.end(), item), list.end());
+}
+}  // namespace
 
-void VMPProjectModel::detachObserver(VMPObserver* observer) {
-    m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
-}
-
-void VMPProjectModel::attachListener(IVMPListener* listener) {
-    if (listener && std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end())
-        m_listeners.push_back(listener);
-}
-
-void VMPProjectModel::detachListener(IVMPListener* listener) {
-    m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), listener), m_listeners.end());
-}
+void VMPProjectModel::attachObserver(VMPObserver* observer) { attach(m_observers, observer); }
+void VMPProjectModel::detachObserver(VMPObserver* observer) { detach(m_observers, observer); }
+void VMPProjectModel::attachListener(IVMPListener* listener) { attach(m_listeners, listener); }
+void VMPProjectModel::detachListener(IVMPListener* listener) { detach(m_listeners, listener); }
 
 void VMPProjectModel::notifyUpdate(std::uint32_t flags, void* data) {
     // A copy: an observer may detach itself while it is told.
