@@ -21,7 +21,12 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QTemporaryDir>
+#include <QLineF>
+#include <QMouseEvent>
 #include <QTest>
+#include <QWheelEvent>
+
+#include <functional>
 
 #include <vector>
 
@@ -241,4 +246,55 @@ TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
     QApplication::processEvents();
     EXPECT_TRUE(saveScreen(english, QStringLiteral("bxq_model_view_en")));
+}
+
+TEST_F(ModelView, MouseOrbitsPansAndZoomsTheView) {
+    showWindow();
+    bxq::BXQModelView* view = m_window->modelView();
+    if (!view->isDrawing()) GTEST_SKIP() << "no OpenGL here; the screens run drives the mouse";
+    view->showStandardView(bxq::BXQStandardView::Front);
+    QApplication::processEvents();
+    const osg::Vec3d head(0, 0, 0), tail(6000, 0, 0);
+    const auto span = [&] { return QLineF(view->widgetPointOf(head), view->widgetPointOf(tail)).length(); };
+    const auto send = [&](QEvent::Type type, Qt::MouseButton button, const QPoint& at) {
+        QMouseEvent event(type, at, view->mapToGlobal(at), button, type == QEvent::MouseButtonRelease ? Qt::NoButton : button,
+                          Qt::NoModifier);
+        QApplication::sendEvent(view, &event);
+        QApplication::processEvents();
+    };
+    const auto drag = [&](Qt::MouseButton button, const QPoint& by) {
+        const QPoint from = view->rect().center();
+        send(QEvent::MouseButtonPress, button, from);
+        for (int step = 1; step <= 5; ++step) send(QEvent::MouseMove, button, from + by * step / 5);
+        send(QEvent::MouseButtonRelease, button, from + by);
+    };
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        std::function<bool(QPoint, QPoint, double)> changed;  // head before, head after, span before
+    } moves[] = {
+        {"left drag orbits: the member turns, its projected length changes",
+         [&] { drag(Qt::LeftButton, {0, 120}); }, [&](QPoint, QPoint, double before) { return std::abs(span() - before) > 5; }},
+        {"middle drag pans: the member moves across the view",
+         [&] { drag(Qt::MiddleButton, {150, 0}); }, [&](QPoint a, QPoint b, double) { return (b - a).manhattanLength() > 20; }},
+        {"the wheel zooms: the member looks longer or shorter",
+         [&] {
+             QWheelEvent wheel(view->rect().center(), view->mapToGlobal(view->rect().center()), {}, {0, 120}, Qt::NoButton,
+                               Qt::NoModifier, Qt::NoScrollPhase, false);
+             QApplication::sendEvent(view, &wheel);
+             QApplication::processEvents();
+         },
+         [&](QPoint, QPoint, double before) { return std::abs(span() - before) > 5; }},
+    };
+    for (const auto& move : moves) {
+        SCOPED_TRACE(move.what);
+        view->showStandardView(bxq::BXQStandardView::Iso);
+        QApplication::processEvents();
+        const QPoint before = view->widgetPointOf(head);
+        const double spanBefore = span();
+        move.act();
+        EXPECT_TRUE(move.changed(before, view->widgetPointOf(head), spanBefore));
+    }
+    // No drag picked or added anything.
+    EXPECT_TRUE(planes().empty());
 }
