@@ -1,7 +1,7 @@
 // The 3D view at model scale.
 // BM_BuildDisplayNodes: the cutting-plane display of 1,000 welded H members 6 m long with a head
-// and a tail cut each, every node built (the cut face found by splitting the member); its floor
-// BM_DisplayNodeSplitsFloor is the 2,000 bare kernel splits that find those cut faces.
+// and a tail cut each, every node built (the cut face found by the kernel's split of the member);
+// its floor BM_DisplayNodeSplitsFloor is the 2,000 bare kernel cut faces alone.
 // BM_OpenFrameRender: a 10,000-member project (ten sections by ten lengths, so 100 shared
 // tessellations) opened, built into the scene and rendered offscreen at 800x600 once; its floor
 // BM_RenderOnlyFloor renders the same built scene again. Peak memory (MB) is a counter.
@@ -94,10 +94,9 @@ void BM_DisplayNodeSplitsFloor(benchmark::State& state) {
                 ndp::CPlane plane;
                 plane.Create({0, 0, z}, {0, 0, 1});
                 ndp::CBooleanOperate splitter(true, true, true, true);
-                ndp::CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
-                splitter.SplitBody(plane, body.get(), positive, negative, cut);
-                for (ndp::CBody* part : {positive, negative, cut})
-                    if (part) part->Release();
+                ndp::CBody* cut = nullptr;
+                splitter.CutFace(plane, body.get(), cut);
+                if (cut) cut->Release();
             }
         }
     }

@@ -173,10 +173,11 @@ void SKRSplitPlaneDisplayManager::BuildDisplayNodes(std::int64_t elementId) {
             bodyAsked = true;
         }
         if (body) {
+            // Only the cut face of the split is drawn on: the two sides are not built.
             ndp::CBooleanOperate splitter(true, true, true, true);
-            ndp::CBody *positive = nullptr, *negative = nullptr, *cut = nullptr;
-            if (splitter.SplitBody(plane, body.get(), positive, negative, cut)) {
-                const ndp::CRef<ndp::CBody> keepPositive(positive), keepNegative(negative), cutFace(cut);
+            ndp::CBody* cut = nullptr;
+            if (splitter.CutFace(plane, body.get(), cut)) {
+                const ndp::CRef<ndp::CBody> cutFace(cut);
                 const ndp::CBox3d box = cutFace ? cutFace->BoundingBoxInPlane(plane) : ndp::CBox3d();
                 if (!box.IsEmpty()) {
                     centre = plane.GetPoint((box.min[0] + box.max[0]) / 2, (box.min[1] + box.max[1]) / 2);

@@ -227,4 +227,20 @@ bool CBooleanOperate::SplitBody(const CPlane& plane, const CBody* body, CBody*& 
     return false;
 }
 
+bool CBooleanOperate::CutFace(const CPlane& plane, const CBody* body, CBody*& cutFace) {
+    cutFace = nullptr;
+    m_lastError.clear();
+    try {
+        Splitter splitter(m_checkInput, m_nonDestructive, m_unifyResult, m_runParallel, m_lastError);
+        if (!splitter.prepare(plane, body)) return false;
+        TopoDS_Shape facePart;
+        if (splitter.where().nearPlane() && !splitter.cutFace(facePart)) return false;
+        if (!facePart.IsNull() && faceCount(facePart) > 0) cutFace = CBodyOcct::Create(facePart);
+        return true;
+    } catch (...) {
+        m_lastError = currentFailureText();
+    }
+    return false;
+}
+
 }  // namespace ndp

@@ -241,6 +241,18 @@ TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
     ASSERT_TRUE(positive && negative);
     EXPECT_NEAR(positive->Volume(), area * 1000, 1e-6 * area * 2000);
     EXPECT_NEAR(negative->Volume(), area * 1000, 1e-6 * area * 2000);
+
+    // The cut face alone is the same face; a plane past the end cuts none.
+    CBody* alone = nullptr;
+    ASSERT_TRUE(op.CutFace(p, body.get(), alone)) << op.GetLastError().toStdString();
+    BodyPtr keepAlone(alone);
+    ASSERT_TRUE(alone);
+    EXPECT_NEAR(alone->SurfaceArea(), cut->SurfaceArea(), 1e-9 * area);
+    EXPECT_EQ(wireCount(*alone), 2);
+    CBody* none = body.get();
+    EXPECT_TRUE(op.CutFace(plane({50, 100, 3000}, {0, 0, 1}), body.get(), none));
+    EXPECT_EQ(none, nullptr);
+    EXPECT_FALSE(op.CutFace(p, nullptr, none));
 }
 
 // ---------------------------------------------------------------------------------------------
