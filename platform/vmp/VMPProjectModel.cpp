@@ -4,6 +4,7 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPObserver.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -76,6 +77,10 @@ bool VMPProjectModel::open(const QString& path) {
     m_database->Close();
     // A new project is made whole or not at all: a failed first write leaves no file behind.
     const auto fill = [](ndp::CDatabase& database) { return createProjectTables(&database); };
+    // An empty file (a creation cut short by an older version, or by hand) holds nothing to
+    // lose: it is taken as no project at all and made anew.
+    const QFileInfo file(path);
+    if (file.exists() && file.isFile() && file.size() == 0) QFile::remove(path);
     if (!QFileInfo::exists(path) && !ndp::CDatabase::CreateWhole(path, fill, &m_lastError)) return false;
     if (!m_database->Open(path, false) || !createProjectTables(m_database.get())) {
         m_lastError = m_database->GetLastError();

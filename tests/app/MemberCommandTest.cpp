@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QColor>
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
@@ -327,4 +328,64 @@ TEST(BxqMember, ADamagedPlaneRowIsAnErrorNotAnUncutMember) {
         EXPECT_EQ(run.err.count('\n'), 1) << run.err.constData();
         EXPECT_TRUE(run.err.contains("damaged.KDB")) << run.err.constData();
     }
+}
+
+TEST(BxqMember, ProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
+    QTemporaryDir dir;
+    const QString whole = dir.filePath("whole.KDB");
+    ASSERT_EQ(bxq({"member", "add", "--project", whole, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
+                   "6000,0,0"})
+                  .exitCode,
+              0);
+    QFile file(whole);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    file.close();
+    const struct {
+        const char* name;
+        QByteArray content;  // empty with folder: a folder in the file's place
+        bool folder;
+    } faults[] = {
+        {"truncated.KDB", bytes.left(bytes.size() / 2), false},
+        {"garbage.KDB", QByteArray(8192, '\x5a'), false},
+        {"folder.KDB", QByteArray(), true},
+    };
+    for (const auto& fault : faults) {
+        const QString path = dir.filePath(fault.name);
+        if (fault.folder) {
+            ASSERT_TRUE(QDir().mkpath(path));
+        } else {
+            QFile damaged(path);
+            ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+            damaged.write(fault.content);
+        }
+        for (const QStringList& verb :
+             {QStringList{"member", "list", "--project", path}, QStringList{"cut-plane", "list", "--project", path},
+              QStringList{"view", "--project", path, "--json"},
+              QStringList{"member", "add", "--project", path, "--section", "I20a", "--from", "0,0,0", "--to", "1,0,0"},
+              QStringList{"cut-plane", "add", "--project", path, "--id", "1", "--head", "--origin", "0,0,0", "--normal",
+                          "0,0,1"}}) {
+            SCOPED_TRACE((QString(fault.name) + ": " + verb.join(' ')).toStdString());
+            const BxqRun run = bxq(verb);
+            EXPECT_EQ(run.exitCode, 1);
+            EXPECT_TRUE(run.out.isEmpty());
+            EXPECT_EQ(run.err.count('\n'), 1) << run.err.constData();
+            EXPECT_TRUE(run.err.contains(fault.name)) << run.err.constData();
+        }
+        if (!fault.folder) {
+            QFile after(path);
+            ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+            EXPECT_EQ(after.readAll(), fault.content);
+        }
+        EXPECT_FALSE(QFile::exists(path + "-journal"));
+    }
+    // A zero-byte project (a creation cut short) is taken as a new one.
+    const QString empty = dir.filePath("empty.KDB");
+    QFile(empty).open(QIODevice::WriteOnly);
+    EXPECT_EQ(bxq({"member", "list", "--project", empty}).exitCode, 0);
+    EXPECT_EQ(bxq({"member", "add", "--project", empty, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
+                   "1000,0,0"})
+                  .exitCode,
+              0);
+    EXPECT_EQ(QJsonDocument::fromJson(bxq({"member", "list", "--project", empty, "--json"}).out).array().size(), 1);
 }
