@@ -125,6 +125,20 @@ bool checkSectionOutline(const ndp::CPolygon& polygon, QString* where) {
                                   .arg(near(p)));
             size = std::max({size, std::abs(p.x), std::abs(p.y)});
         }
+        // An arc's figures come from its centre and radius: a radius past the bound (an arc all
+        // but straight) would make them overflow although its points stay near.
+        for (int c = 0; c < loop.GetCount(); ++c) {
+            const auto* arc = dynamic_cast<const ndp::CArc2d*>(loop.GetCurve(c));
+            if (!arc) continue;
+            const CPoint2d& centre = arc->Centre();
+            if (!std::isfinite(arc->Radius()) || arc->Radius() > kMaxOutlineCoordinate || !std::isfinite(centre.x) ||
+                !std::isfinite(centre.y) || std::abs(centre.x) > kMaxOutlineCoordinate ||
+                std::abs(centre.y) > kMaxOutlineCoordinate)
+                return refuse(QStringLiteral("loop %1 of the outline has an arc of radius beyond %2 mm near %3")
+                                  .arg(i + 1)
+                                  .arg(kMaxOutlineCoordinate, 0, 'f', 0)
+                                  .arg(near(arc->StartPoint())));
+        }
     }
     const double tolerance = 1e-9 * std::max(size, 1.0);
     CPoint2d at;
