@@ -17,8 +17,8 @@
 #include "vmp/IVMPElementDrawObj.h"
 #include "vmp/IVMPModel.h"
 
-#include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace skr {
 namespace split {
@@ -207,11 +207,8 @@ void SKRSplitPlaneDisplayManager::RefreshAll() {
     m_display.clear();
     std::vector<CuttingPlaneRecord> records;
     if (ReadCuttingPlaneRecords(projectOf(m_model), -1, records, nullptr)) {
-        std::vector<std::int64_t> elements;
-        for (const CuttingPlaneRecord& record : records)
-            if (elements.empty() || elements.back() != record.elementId) elements.push_back(record.elementId);
-        std::sort(elements.begin(), elements.end());
-        elements.erase(std::unique(elements.begin(), elements.end()), elements.end());
+        std::set<std::int64_t> elements;
+        for (const CuttingPlaneRecord& record : records) elements.insert(record.elementId);
         for (std::int64_t element : elements) BuildDisplayNodes(element);
     }
     if (m_viewer) m_viewer->setTempDirty();
@@ -285,11 +282,9 @@ void SKRSplitPlaneDisplayManager::removeNodesOfElement(std::int64_t elementId) {
     std::vector<std::int64_t> dropped;
     for (auto& item : m_display) {
         std::int64_t owner = -1;
-        if (GetElementOfCuttingPlane(item.first, owner) && owner != elementId) continue;
-        if (owner == elementId) {
-            removeNode(item.second);
-            dropped.push_back(item.first);
-        }
+        if (!GetElementOfCuttingPlane(item.first, owner) || owner != elementId) continue;
+        removeNode(item.second);
+        dropped.push_back(item.first);
     }
     for (std::int64_t id : dropped) m_display.erase(id);
 }
@@ -298,10 +293,9 @@ void SKRSplitPlaneDisplayManager::update(std::uint32_t flags, void*) {
     if (!(flags & VMP_UPDATE_DATABASE) || !m_enabled) return;
     std::vector<std::int64_t> dropped;
     for (auto& item : m_display) {
-        if (keepNode(item.first)) continue;
+        if (keepNode(item.first) || !m_filter) continue;
         std::int64_t elementId = -1;
         const bool found = GetElementOfCuttingPlane(item.first, elementId);
-        if (!m_filter) continue;
         IVMPElementDrawObj* element = found && m_model ? m_model->getElementDrawObj(elementId) : nullptr;
         if (element && m_filter(element)) continue;
         removeNode(item.second);
