@@ -2,7 +2,7 @@
 #include "section_dialog/SKRSectionPreview.h"
 
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_geometry/SKRSectionPainter.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
@@ -32,7 +32,7 @@ void SKRSectionPreview::setOutline(const QString& outline, const QString& failur
 
 void SKRSectionPreview::setPolygon(const ndp::CPolygon& polygon) {
     m_path = skr::geometry::sectionPath(polygon);
-    m_caption = QStringLiteral("A = %1 mm²").arg(ndp::SectionProperties(polygon).area, 0, 'f', 1);
+    m_caption = QStringLiteral("A = %1 mm²").arg(skr::geometry::SectionProperties(polygon).area, 0, 'f', 1);
     update();
 }
 

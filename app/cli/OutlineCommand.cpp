@@ -8,7 +8,7 @@
 #include "section_geometry/SKRSpecificationOutline.h"
 
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -40,7 +40,7 @@ std::unique_ptr<ndp::CPolygon> outlinePolygon(const QString& text, QString* erro
     return polygon;
 }
 
-QByteArray humanReport(const ndp::CSectionProperties& p, const QString& outline) {
+QByteArray humanReport(const skr::geometry::SKRSectionProperties& p, const QString& outline) {
     QString out;
     QTextStream s(&out);
     if (!outline.isEmpty()) s << "outline    " << outline << '\n';
@@ -58,7 +58,7 @@ QByteArray humanReport(const ndp::CSectionProperties& p, const QString& outline)
     return out.toUtf8();
 }
 
-QByteArray jsonReport(const ndp::CSectionProperties& p, const QString& outline) {
+QByteArray jsonReport(const skr::geometry::SKRSectionProperties& p, const QString& outline) {
     const QJsonObject object{
         {"outline", outline},
         {"area", p.area},
@@ -111,7 +111,7 @@ QString svgPath(const ndp::CPolygon& polygon) {
     return d.trimmed();
 }
 
-QByteArray svgPicture(const ndp::CPolygon& polygon, const ndp::CSectionProperties& p) {
+QByteArray svgPicture(const ndp::CPolygon& polygon, const skr::geometry::SKRSectionProperties& p) {
     const double width = p.box.Max().x - p.box.Min().x;
     const double height = p.box.Max().y - p.box.Min().y;
     const double size = std::max(width, height);
@@ -180,7 +180,7 @@ int runOutline(const QStringList& arguments) {
     }
     const std::unique_ptr<ndp::CPolygon> polygon = outlinePolygon(outline, &error);
     if (!polygon) return dataError(error);
-    const ndp::CSectionProperties properties = ndp::SectionProperties(*polygon);
+    const skr::geometry::SKRSectionProperties properties = skr::geometry::SectionProperties(*polygon);
 
     if (cli.isSet(QStringLiteral("svg")) &&
         !writeFile(cli.value(QStringLiteral("svg")), svgPicture(*polygon, properties), &error))

@@ -8,7 +8,7 @@
 #include "section_geometry/SKRSectionPolygonParser.h"
 
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
@@ -69,13 +69,13 @@ protected:
         return dimensions;
     }
 
-    static bool propertiesOf(int type, const QMap<QString, double>& params, ndp::CSectionProperties& out,
+    static bool propertiesOf(int type, const QMap<QString, double>& params, skr::geometry::SKRSectionProperties& out,
                              QString* error) {
         QString text;
         if (!skr::geometry::sectionOutlineText(type, params, text, error)) return false;
         const auto polygon = skr::geometry::ParseSectionPolygon(text);
         if (!polygon || !skr::geometry::checkSectionOutline(*polygon, error)) return false;
-        out = ndp::SectionProperties(*polygon);
+        out = skr::geometry::SectionProperties(*polygon);
         return true;
     }
 
@@ -96,7 +96,7 @@ TEST_F(CatalogueOutline, EveryRowsOutlineGivesItsPublishedWeightAndSurface) {
             SCOPED_TRACE(name.toStdString());
             QMap<QString, double> params =
                 skr::geometry::catalogueOutlineParams(type, dimensionsOf(row), row.weightMeter);
-            ndp::CSectionProperties p;
+            skr::geometry::SKRSectionProperties p;
             QString error;
             ASSERT_TRUE(propertiesOf(type, params, p, &error)) << error.toStdString();
             ++drawn;
@@ -112,7 +112,7 @@ TEST_F(CatalogueOutline, EveryRowsOutlineGivesItsPublishedWeightAndSurface) {
                 // of 2t would stray is reported.
                 QMap<QString, double> usual = params;
                 usual.remove(QStringLiteral("r"));
-                ndp::CSectionProperties withUsualBends;
+                skr::geometry::SKRSectionProperties withUsualBends;
                 ASSERT_TRUE(propertiesOf(type, usual, withUsualBends, &error)) << error.toStdString();
                 keepWorse(family.weightWithUsualBends, name,
                           withUsualBends.area * skr::geometry::kSteelKgPerMetrePerMm2 / row.weightMeter - 1);

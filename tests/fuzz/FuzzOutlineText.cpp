@@ -6,7 +6,7 @@
 #include "section_geometry/SKRSectionPolygonParser.h"
 
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 
 #include <QString>
 
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::ParseSectionPolygon(text);
     QString where;
     if (!polygon || !skr::geometry::checkSectionOutline(*polygon, &where)) return 0;
-    const ndp::CSectionProperties p = ndp::SectionProperties(*polygon);
+    const skr::geometry::SKRSectionProperties p = skr::geometry::SectionProperties(*polygon);
     const double figures[] = {p.area, p.perimeter, p.ix, p.iy, p.ixy};
     for (double f : figures)
         if (!std::isfinite(f)) std::abort();

@@ -6,7 +6,7 @@
 #include "section_geometry/SKRSectionPolygonParser.h"
 
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 
 #include <gtest/gtest.h>
 
@@ -241,20 +241,20 @@ TEST(SectionOutline, TheSectionIsSymmetricWhereItsShapeIs) {
     // diagonal (equal second moments), a Z about its centre (product of inertia not zero).
     QString text;
     ASSERT_TRUE(sectionOutlineText(1, {{"h", 200}, {"b", 100}, {"d", 7}, {"t", 11.4}, {"r", 9}, {"r1", 4.5}}, text));
-    auto p = ndp::SectionProperties(*ParseSectionPolygon(text));
+    auto p = skr::geometry::SectionProperties(*ParseSectionPolygon(text));
     EXPECT_NEAR(p.centroid.x, 50, 1e-9);
     EXPECT_NEAR(p.centroid.y, 100, 1e-9);
     EXPECT_NEAR(p.ixy, 0, 1e-6);
     ASSERT_TRUE(sectionOutlineText(2, {{"h", 200}, {"b", 73}, {"d", 7}, {"t", 11}, {"r", 11}, {"r1", 5.5}}, text));
-    p = ndp::SectionProperties(*ParseSectionPolygon(text));
+    p = skr::geometry::SectionProperties(*ParseSectionPolygon(text));
     EXPECT_NEAR(p.centroid.y, 100, 1e-9);
     EXPECT_GT(p.centroid.x, 7);  // the flanges pull it off the web
     ASSERT_TRUE(sectionOutlineText(3, {{"b", 100}, {"d", 10}, {"r", 12}}, text));
-    p = ndp::SectionProperties(*ParseSectionPolygon(text));
+    p = skr::geometry::SectionProperties(*ParseSectionPolygon(text));
     EXPECT_NEAR(p.centroid.x, p.centroid.y, 1e-9);
     EXPECT_NEAR(p.ix, p.iy, 1e-9 * p.ix);
     ASSERT_TRUE(sectionOutlineText(9, {{"h", 250}, {"b", 75}, {"c", 25}, {"t", 3}}, text));
-    p = ndp::SectionProperties(*ParseSectionPolygon(text));
+    p = skr::geometry::SectionProperties(*ParseSectionPolygon(text));
     EXPECT_NEAR(p.centroid.x, (2 * 75 - 3) / 2.0, 1e-9);
     EXPECT_NEAR(p.centroid.y, 125, 1e-9);
     EXPECT_GT(std::abs(p.ixy), 1e5);

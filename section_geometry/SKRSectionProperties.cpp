@@ -1,11 +1,15 @@
 // Section properties of polygons of lines and arcs, by Green's theorem with exact arc segments.
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 
 #include "ndp/NDPPolygon.h"
 
 #include <cmath>
 
-namespace ndp {
+namespace skr {
+namespace geometry {
+
+using namespace ndp;
+
 namespace {
 
 // Below this half-angle the segment's moments come from their power series; above it the closed
@@ -61,9 +65,9 @@ SegmentMoments unitSegment(double alpha) {
 }
 
 // The triangle (origin, p, q), signed: the share of a straight edge from p to q.
-CAreaMoments edgeMoments(const CPoint2d& p, const CPoint2d& q) {
+SKRAreaMoments edgeMoments(const CPoint2d& p, const CPoint2d& q) {
     const double cross = p.x * q.y - q.x * p.y;
-    CAreaMoments m;
+    SKRAreaMoments m;
     m.a = cross / 2;
     m.sx = cross * (p.x + q.x) / 6;
     m.sy = cross * (p.y + q.y) / 6;
@@ -75,7 +79,7 @@ CAreaMoments edgeMoments(const CPoint2d& p, const CPoint2d& q) {
 
 // The circular segment of an arc, placed in the plane (coordinates from the origin), signed
 // positive for a counter-clockwise arc: what the arc adds to the loop beyond its chord.
-CAreaMoments segmentMoments(const CArc2d& arc, const CPoint2d& start, const CPoint2d& end) {
+SKRAreaMoments segmentMoments(const CArc2d& arc, const CPoint2d& start, const CPoint2d& end) {
     const double r = arc.Radius();
     const double sweep = arc.Sweep();
     const SegmentMoments unit = unitSegment(0.5 * std::fabs(sweep));
@@ -91,7 +95,7 @@ CAreaMoments segmentMoments(const CArc2d& arc, const CPoint2d& start, const CPoi
     const double ux = std::cos(middle);
     const double uy = std::sin(middle);
 
-    CAreaMoments m;
+    SKRAreaMoments m;
     m.a = area;
     m.sx = mx * area + ux * qu;
     m.sy = my * area + uy * qu;
@@ -105,7 +109,7 @@ CPoint2d relative(const CPoint2d& p, const CPoint2d& origin) { return {p.x - ori
 
 }  // namespace
 
-CAreaMoments& CAreaMoments::operator+=(const CAreaMoments& o) {
+SKRAreaMoments& SKRAreaMoments::operator+=(const SKRAreaMoments& o) {
     a += o.a;
     sx += o.sx;
     sy += o.sy;
@@ -115,12 +119,12 @@ CAreaMoments& CAreaMoments::operator+=(const CAreaMoments& o) {
     return *this;
 }
 
-CAreaMoments& CAreaMoments::operator-=(const CAreaMoments& o) { return *this += -o; }
+SKRAreaMoments& SKRAreaMoments::operator-=(const SKRAreaMoments& o) { return *this += -o; }
 
-CAreaMoments CAreaMoments::operator-() const { return {-a, -sx, -sy, -sxx, -syy, -sxy}; }
+SKRAreaMoments SKRAreaMoments::operator-() const { return {-a, -sx, -sy, -sxx, -syy, -sxy}; }
 
-CAreaMoments LoopAreaMoments(const CCoedgeList& loop, const CPoint2d& origin) {
-    CAreaMoments total;
+SKRAreaMoments LoopAreaMoments(const CCoedgeList& loop, const CPoint2d& origin) {
+    SKRAreaMoments total;
     for (int i = 0; i < loop.GetCount(); ++i) {
         const CCurve2d* curve = loop.GetCurve(i);
         const CPoint2d start = relative(curve->StartPoint(), origin);
@@ -132,20 +136,20 @@ CAreaMoments LoopAreaMoments(const CCoedgeList& loop, const CPoint2d& origin) {
     return total;
 }
 
-CSectionProperties SectionProperties(const CPolygon& polygon) {
-    CSectionProperties p;
+SKRSectionProperties SectionProperties(const CPolygon& polygon) {
+    SKRSectionProperties p;
     p.box = polygon.BoundingBox();
     if (p.box.IsEmpty()) return p;
     const CPoint2d origin{0.5 * (p.box.Min().x + p.box.Max().x), 0.5 * (p.box.Min().y + p.box.Max().y)};
     p.centroid = origin;
 
-    CAreaMoments m;
+    SKRAreaMoments m;
     for (int i = 0; i < polygon.GetLoopCount(); ++i) {
         const CLoop* loop = polygon.GetLoop(i);
         const double length = loop->Length();
         p.perimeter += length;
         if (i == 0) p.outerPerimeter = length;
-        CAreaMoments ofLoop = LoopAreaMoments(*loop, origin);
+        SKRAreaMoments ofLoop = LoopAreaMoments(*loop, origin);
         if (ofLoop.a < 0.0) ofLoop = -ofLoop;
         if (i == 0)
             m += ofLoop;
@@ -164,4 +168,5 @@ CSectionProperties SectionProperties(const CPolygon& polygon) {
     return p;
 }
 
-}  // namespace ndp
+}  // namespace geometry
+}  // namespace skr

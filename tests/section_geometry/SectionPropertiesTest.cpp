@@ -2,13 +2,17 @@
 // circles, rings, half discs, slots, I sections and a plate with an off-centre hole; far from the
 // origin, with holes of either turning sense, and with arcs too flat for the direct formulas.
 #include "ndp/NDPPolygon.h"
-#include "ndp/NDPSectionProperties.h"
+#include "section_geometry/SKRSectionProperties.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 using namespace ndp;
+using skr::geometry::SectionProperties;
+using skr::geometry::SKRSectionProperties;
+using skr::geometry::LoopAreaMoments;
+using skr::geometry::SKRAreaMoments;
 
 namespace {
 
@@ -43,7 +47,7 @@ struct Expected {
     double area, cx, cy, ix, iy, ixy;
 };
 
-void expectProperties(const CSectionProperties& p, const Expected& e, double tolerance = 1e-12) {
+void expectProperties(const SKRSectionProperties& p, const Expected& e, double tolerance = 1e-12) {
     expectRelative(p.area, e.area, tolerance, "area");
     expectRelative(p.centroid.x, e.cx, tolerance, "centroid x");
     expectRelative(p.centroid.y, e.cy, tolerance, "centroid y");
@@ -64,7 +68,7 @@ CLoop* halfDisc(double r) {
 
 TEST(SectionProperties, RectangleHasTheTextbookMoments) {
     const double w = 120, h = 300;
-    const CSectionProperties p = SectionProperties(polygonOf({rectangle(10, 20, 10 + w, 20 + h)}));
+    const SKRSectionProperties p = SectionProperties(polygonOf({rectangle(10, 20, 10 + w, 20 + h)}));
     expectProperties(p, {w * h, 10 + w / 2, 20 + h / 2, w * h * h * h / 12, h * w * w * w / 12, 0});
     EXPECT_DOUBLE_EQ(p.perimeter, 2 * (w + h));
     EXPECT_DOUBLE_EQ(p.outerPerimeter, 2 * (w + h));
@@ -74,7 +78,7 @@ TEST(SectionProperties, RectangleHasTheTextbookMoments) {
 
 TEST(SectionProperties, CircleAndRingHaveTheTextbookMoments) {
     const double R = 44.5, r = 40.5, cx = 1000, cy = -500;
-    CSectionProperties p = SectionProperties(polygonOf({circle(cx, cy, R)}));
+    SKRSectionProperties p = SectionProperties(polygonOf({circle(cx, cy, R)}));
     expectProperties(p, {kPi * R * R, cx, cy, kPi * std::pow(R, 4) / 4, kPi * std::pow(R, 4) / 4, 0});
     EXPECT_NEAR(p.box.Min().x, cx - R, 1e-12);
     EXPECT_NEAR(p.box.Max().y, cy + R, 1e-12);
@@ -93,7 +97,7 @@ TEST(SectionProperties, CircleAndRingHaveTheTextbookMoments) {
 
 TEST(SectionProperties, HalfDiscHasItsCentroidAtFourRByThreePi) {
     const double r = 50;
-    const CSectionProperties p = SectionProperties(polygonOf({halfDisc(r)}));
+    const SKRSectionProperties p = SectionProperties(polygonOf({halfDisc(r)}));
     const double yc = 4 * r / (3 * kPi);
     const double r4 = std::pow(r, 4);
     expectProperties(p, {kPi * r * r / 2, 0, yc, (kPi / 8 - 8 / (9 * kPi)) * r4, kPi * r4 / 8, 0});
@@ -109,7 +113,7 @@ TEST(SectionProperties, SlotIsARectangleAndTwoHalfDiscs) {
     loop->AddCurve(new CArc2d({L / 2, -r}, {L / 2, r}, r, 1));
     loop->AddCurve(new CLine2d({L / 2, r}, {-L / 2, r}));
     loop->AddCurve(new CArc2d({-L / 2, r}, {-L / 2, -r}, r, 1));
-    const CSectionProperties p = SectionProperties(polygonOf({loop}));
+    const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
     const double half = kPi * r * r / 2, offset = 4 * r / (3 * kPi);
     const double halfOwn = kPi * std::pow(r, 4) / 8 - half * offset * offset;  // about its own centroid
     const double iy = 2 * r * L * L * L / 12 + 2 * (halfOwn + half * std::pow(L / 2 + offset, 2));
@@ -126,7 +130,7 @@ TEST(SectionProperties, ISectionAgreesWithItsPlatesWhereverItIs) {
     for (double shift : {0.0, 1e6}) {
         SCOPED_TRACE(shift);
         const double x = shift, y = -shift, c = b / 2;
-        const CSectionProperties p = SectionProperties(polygonOf({polyline(
+        const SKRSectionProperties p = SectionProperties(polygonOf({polyline(
             {{x, y}, {x + b, y}, {x + b, y + t}, {x + c + tw / 2, y + t}, {x + c + tw / 2, y + h - t},
              {x + b, y + h - t}, {x + b, y + h}, {x, y + h}, {x, y + h - t}, {x + c - tw / 2, y + h - t},
              {x + c - tw / 2, y + t}, {x, y + t}})}));
@@ -149,7 +153,7 @@ TEST(SectionProperties, VeryFlatArcsKeepTheirSmallSegment) {
             loop->AddCurve(new CLine2d({shift + 100, shift}, {shift + 100, shift + 20}));
             loop->AddCurve(new CArc2d({shift + 100, shift + 20}, {shift, shift + 20}, R, arcType));
             loop->AddCurve(new CLine2d({shift, shift + 20}, {shift, shift}));
-            const CSectionProperties p = SectionProperties(polygonOf({loop}));
+            const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
             const double segment = 4.0 / 3 * w * s;
             EXPECT_NEAR(p.area - 2000, sign * segment, 1e-9 * segment);
             EXPECT_NEAR(p.centroid.x - shift, 50, 1e-9);
@@ -176,7 +180,7 @@ TEST(SectionProperties, CircularSegmentsOfAnyOpeningHaveTheirClosedFormMoments) 
         auto* loop = new CLoop;
         loop->AddCurve(new CLine2d(left, right));
         loop->AddCurve(new CArc2d(right, left, static_cast<double>(r), alpha < kPi / 2 ? 1 : 3));
-        const CSectionProperties p = SectionProperties(polygonOf({loop}));
+        const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
         const long double area = r * r * (alpha - s * c);
         const long double yc = 2.0L / 3 * r * r * r * s * s * s / area;
         const long double yy = r * r * r * r * ((alpha + s * c) / 4 - s * c * c * c / 2);
@@ -200,7 +204,7 @@ TEST(SectionProperties, MajorArcsAndArcsOfEveryTypeAddUpToTheirCircle) {
             loop->AddCurve(new CArc2d(b, a, 10, 2));  // minor, clockwise
             loop->AddCurve(new CArc2d(a, b, 10, 4));  // major, clockwise
         }
-        const CSectionProperties p = SectionProperties(polygonOf({loop}));
+        const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
         const double i = kPi * 1e4 / 4;
         expectProperties(p, {kPi * 100, 0, 0, i, i, 0});
     }

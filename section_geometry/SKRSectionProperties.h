@@ -9,17 +9,19 @@
 // measured from a reference point near the polygon, which keeps far-off coordinates accurate.
 #pragma once
 
-#include "PlatformGlobal.h"
 #include "ndp/NDPGeometry2d.h"
 
 namespace ndp {
-
 class CCoedgeList;
 class CPolygon;
+}  // namespace ndp
+
+namespace skr {
+namespace geometry {
 
 // Area integrals of a region about a point: A = integral of dA, Sx = of x dA, Sy = of y dA,
 // Sxx = of x^2 dA, Syy = of y^2 dA, Sxy = of x y dA (x, y measured from that point).
-struct BXQPLATFORM_EXPORT CAreaMoments {
+struct SKRAreaMoments {
     double a = 0.0;
     double sx = 0.0;
     double sy = 0.0;
@@ -27,31 +29,32 @@ struct BXQPLATFORM_EXPORT CAreaMoments {
     double syy = 0.0;
     double sxy = 0.0;
 
-    CAreaMoments& operator+=(const CAreaMoments& o);
-    CAreaMoments& operator-=(const CAreaMoments& o);
-    CAreaMoments operator-() const;
+    SKRAreaMoments& operator+=(const SKRAreaMoments& o);
+    SKRAreaMoments& operator-=(const SKRAreaMoments& o);
+    SKRAreaMoments operator-() const;
 };
 
 // The signed area moments of the region a closed loop encloses, about origin: positive when the
 // loop runs counter-clockwise. The loop is taken as closed (its last curve back to its first).
-BXQPLATFORM_EXPORT CAreaMoments LoopAreaMoments(const CCoedgeList& loop, const CPoint2d& origin);
+SKRAreaMoments LoopAreaMoments(const ndp::CCoedgeList& loop, const ndp::CPoint2d& origin);
 
-struct BXQPLATFORM_EXPORT CSectionProperties {
+struct SKRSectionProperties {
     double area = 0.0;            // outer loop less the holes, whatever their turning senses
     double perimeter = 0.0;       // every loop
     double outerPerimeter = 0.0;  // the outer loop only
-    CPoint2d centroid;
+    ndp::CPoint2d centroid;
     // Second moments about axes through the centroid parallel to x and y: ix = integral of
     // (y - yc)^2 dA, iy = integral of (x - xc)^2 dA, ixy = integral of (x - xc)(y - yc) dA.
     double ix = 0.0;
     double iy = 0.0;
     double ixy = 0.0;
-    CBox2d box;
+    ndp::CBox2d box;
 };
 
 // The properties of a polygon (outer loop first, then its holes). A polygon of no area keeps its
 // perimeters and box, with zero area and moments and the centroid at the box's centre (at the
 // origin when it is empty).
-BXQPLATFORM_EXPORT CSectionProperties SectionProperties(const CPolygon& polygon);
+SKRSectionProperties SectionProperties(const ndp::CPolygon& polygon);
 
-}  // namespace ndp
+}  // namespace geometry
+}  // namespace skr
