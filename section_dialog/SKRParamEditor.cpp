@@ -2,8 +2,8 @@
 #include "section_dialog/SKRParamEditor.h"
 
 #include "section_dialog/SKRNumericValidator.h"
-#include "section_dialog/SKRPolyParamManger.h"
-#include "section_dialog/SKRRangeRule.h"
+#include "section_spec/SKRPolyParamManger.h"
+#include "section_spec/SKRRangeRule.h"
 #include "section_dialog/SKRSectionPreview.h"
 
 #include <QHBoxLayout>

@@ -9,7 +9,7 @@
 #include "section_dialog/SKRHotRollingList.h"
 #include "section_dialog/SKRParamEditor.h"
 #include "section_dialog/SKRPolyImgTableModel.h"
-#include "section_dialog/SKRPolyParamManger.h"
+#include "section_spec/SKRPolyParamManger.h"
 #include "section_dialog/SKRSectionPreview.h"
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"

@@ -1,7 +1,7 @@
 // The dialog of user hot-rolled sections.
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 
-#include "section_dialog/SKRRangeRule.h"
+#include "section_spec/SKRRangeRule.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionSchemeProvider.h"

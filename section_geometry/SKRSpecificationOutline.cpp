@@ -3,7 +3,7 @@
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_geometry/SKRSectionOutline.h"
-#include "section_geometry/SKRSectionParams.h"
+#include "section_spec/SKRSectionParams.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
 #include <exception>
@@ -48,7 +48,7 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
         QMap<QString, double> dimensions;
         for (const auto& param : row.second.params) dimensions.insert(QString::fromStdWString(param.first), param.second);
         params = catalogueOutlineParams(info.sectionType, dimensions, row.second.weightMeter);
-    } else if (!sectionParamsByCode(info, params, &reason)) {
+    } else if (!section::sectionParamsByCode(info, params, &reason)) {
         if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
         return false;
     } else if (hasCatalogueRadii(info.sectionType) && note) {

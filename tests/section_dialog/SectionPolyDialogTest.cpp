@@ -9,7 +9,7 @@
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRSectionDbOperation.h"
 #include "section_dialog/SKRParamEditor.h"
-#include "section_dialog/SKRPolyParamManger.h"
+#include "section_spec/SKRPolyParamManger.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 #include "ndp/NDPPolygon.h"

@@ -1,10 +1,10 @@
 // Parameter codes of the section types, in the order the specification parser delivers values.
-#include "section_geometry/SKRSectionParams.h"
+#include "section_spec/SKRSectionParams.h"
 
 #include "section_spec/GSectionPolyInfo.h"
 
 namespace skr {
-namespace geometry {
+namespace section {
 
 QStringList sectionParamCodes(int sectionType) {
     const char* codes = "";
@@ -61,5 +61,5 @@ bool sectionParamsByCode(const GSectionPolyInfo& info, QMap<QString, double>& pa
     return true;
 }
 
-}  // namespace geometry
+}  // namespace section
 }  // namespace skr

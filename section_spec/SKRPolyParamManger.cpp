@@ -1,12 +1,12 @@
 // The section dialog's parameter manager.
-#include "section_dialog/SKRPolyParamManger.h"
+#include "section_spec/SKRPolyParamManger.h"
 
-#include "section_dialog/SKRRangeRule.h"
+#include "section_spec/SKRRangeRule.h"
 
 #include "ndp/NDPTolerance.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
-#include "section_geometry/SKRSectionParams.h"
+#include "section_spec/SKRSectionParams.h"
 #include "section_spec/SKRScriptEvaluator.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 #include "section_spec/WeldSectionNormParser.h"
@@ -141,7 +141,7 @@ bool SKRPolyParamManger::setSpecification(const QString& text) {
     const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name);
     if (row.first) return setCatalogueSection(row.second);
     QMap<QString, double> values;
-    if (!skr::geometry::sectionParamsByCode(info, values) || !setSectionType(info.sectionType)) return false;
+    if (!skr::section::sectionParamsByCode(info, values) || !setSectionType(info.sectionType)) return false;
     for (int i = 0; i < m_oParams.size(); ++i)
         if (values.contains(m_oParams[i].paramCode))
             m_oValues[i] = QString::number(values.value(m_oParams[i].paramCode), 'g', 15);

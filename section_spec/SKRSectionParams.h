@@ -9,7 +9,7 @@
 struct GSectionPolyInfo;
 
 namespace skr {
-namespace geometry {
+namespace section {
 
 // The parameter codes of a section type in the order the specification parser delivers its
 // values: the order a specification text writes them, except for the welded H with two depths
@@ -23,5 +23,5 @@ QStringList sectionParamCodes(int sectionType);
 // the type has codes.
 bool sectionParamsByCode(const GSectionPolyInfo& info, QMap<QString, double>& params, QString* error = nullptr);
 
-}  // namespace geometry
+}  // namespace section
 }  // namespace skr

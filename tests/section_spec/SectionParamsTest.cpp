@@ -1,7 +1,7 @@
 // Parsed sections by parameter code: what each specification text means, code by code, for every
 // section type; the codes agree with the shipped parameter table; refusals.
 #include "section_geometry/SKRSectionOutline.h"
-#include "section_geometry/SKRSectionParams.h"
+#include "section_spec/SKRSectionParams.h"
 #include "section_spec/GSectionPolyInfo.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <map>
 
+using namespace skr::section;
 using namespace skr::geometry;
 
 namespace {

@@ -1,7 +1,7 @@
 // The section dialog's parameter manager on the shipped section database: parameters and
 // defaults, the specification text, the insertion point, catalogue positioning, and the check
 // with its messages and the offending parameter.
-#include "section_dialog/SKRPolyParamManger.h"
+#include "section_spec/SKRPolyParamManger.h"
 
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
