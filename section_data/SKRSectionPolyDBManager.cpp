@@ -47,6 +47,7 @@ QString SKRSectionPolyDBManager::missingFileMessage(const QString& path) {
 void SKRSectionPolyDBManager::closeDB() {
     if (!m_pDatabase) return;
     m_pDatabase->Close();
-    delete m_pDatabase;
+    // The database manager owns the object it opened: it destroys it, so nothing is freed twice.
+    VMPNDDBManager::nddbMgr()->closeNDDB(m_pDatabase);
     m_pDatabase = nullptr;
 }

@@ -36,4 +36,13 @@ ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
     return result;
 }
 
+bool VMPNDDBManager::closeNDDB(ndp::CDatabase* database) {
+    for (auto it = m_databases.begin(); it != m_databases.end(); ++it) {
+        if (it->second.get() != database) continue;
+        m_databases.erase(it);
+        return true;
+    }
+    return false;
+}
+
 void VMPNDDBManager::closeAll() { m_databases.clear(); }

@@ -19,6 +19,9 @@ public:
     // The database file name in the application data folder, opened on first request (read-only
     // when asked); null when it is missing or cannot be opened.
     ndp::CDatabase* getNDDB(const QString& name, bool readOnly);
+    // Closes and destroys one database it handed out (unflushed writes are discarded); false when
+    // it is not one of its own.
+    bool closeNDDB(ndp::CDatabase* database);
     // Closes and forgets every database (unflushed writes are discarded).
     void closeAll();
 

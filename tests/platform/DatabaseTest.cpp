@@ -4,6 +4,7 @@
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPDBRecord.h"
+#include "vmp/VMPNDDBManager.h"
 
 #include <gtest/gtest.h>
 
@@ -387,3 +388,27 @@ static const int flushChild = [] {
     }
     return 0;
 }();
+
+TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
+    QTemporaryDir dir;
+    {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(dir.filePath("Some.KDB")));
+        ASSERT_TRUE(db.Flush());
+    }
+    const QByteArray previous = qgetenv("BXQ_DATA_DIR");
+    qputenv("BXQ_DATA_DIR", dir.path().toUtf8());
+    VMPNDDBManager* manager = VMPNDDBManager::nddbMgr();
+    ndp::CDatabase* first = manager->getNDDB("Some.KDB", true);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(manager->getNDDB("Some.KDB", true), first);  // once per process
+    EXPECT_TRUE(manager->closeNDDB(first));
+    EXPECT_FALSE(manager->closeNDDB(first));  // not its own any more: nothing freed twice
+    ndp::CDatabase other;
+    EXPECT_FALSE(manager->closeNDDB(&other));
+    ndp::CDatabase* again = manager->getNDDB("Some.KDB", true);
+    ASSERT_NE(again, nullptr);
+    EXPECT_TRUE(again->IsOpen());
+    EXPECT_TRUE(manager->closeNDDB(again));
+    qputenv("BXQ_DATA_DIR", previous);
+}
