@@ -1,6 +1,8 @@
 // The section library dialog.
 #include "section_dialog/SKRSectionPolyDialog.h"
 
+#include "section_data/SKRDatabaseError.h"
+
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_data/SKRSectionPolyDBManager.h"
@@ -627,7 +629,11 @@ void SKRSectionPolyDialog::showCustomSectionWidget() {
     int subId = 1;
     try {
         subId = provider->nextSubId(type);
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
+        // A sub number guessed past a failed read could take one in use: say why, add nothing.
+        VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"),
+                               skr::section::failureText(provider->table(), failure));
+        return;
     }
     SKRUserHotRollingSectionDialog dialog(type, subId, this);
     connect(&dialog, &SKRUserHotRollingSectionDialog::sectionSaved, m_pInfoWidget, &SKRHotRollingInfoWidget::sectionSaved);
@@ -648,7 +654,9 @@ void SKRSectionPolyDialog::showEditCustomSectionWidget() {
             } else if (auto* provider = skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()) {
                 try {
                     provider->updateSection(edited);
-                } catch (const std::exception&) {
+                } catch (const std::exception& failure) {
+                    VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"),
+                                           skr::section::failureText(provider->table(), failure));
                 }
             }
         });

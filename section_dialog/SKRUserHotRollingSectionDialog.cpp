@@ -1,6 +1,8 @@
 // The dialog of user hot-rolled sections.
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 
+#include "section_data/SKRDatabaseError.h"
+
 #include "section_spec/SKRRangeRule.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
@@ -119,7 +121,10 @@ void SKRUserHotRollingSectionDialog::fillFromStored(const QString& standardName)
     skr::section::SKRHotRollingLookup found;
     try {
         if (m_pProvider) found = m_pProvider->findByName(standardName.toStdWString());
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
+        VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"),
+                               skr::section::failureText(m_pProvider->table(), failure));
+        return;
     }
     if (!found.first || found.second.sectionType != m_iSectionType || found.second.subId != m_iSubId) return;
     QString name = QString::fromStdWString(found.second.standardName);
@@ -159,7 +164,11 @@ void SKRUserHotRollingSectionDialog::okSlot() {
         bool added = false;
         try {
             added = m_pProvider && m_pProvider->addSection(section);
-        } catch (const std::exception&) {
+        } catch (const std::exception& failure) {
+            // The database's own reason (busy, no permission, damaged), not "the name exists".
+            VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"),
+                                   skr::section::failureText(m_pProvider->table(), failure));
+            return;
         }
         if (!added) {
             VMPMessageBox::information(BXQCommon::getMainWindow(), text("提示"), text("注：规格名称已存在,请重新输入."),

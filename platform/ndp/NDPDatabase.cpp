@@ -261,6 +261,8 @@ bool CDatabase::BeginTransaction() {
         return false;
     }
     if (InTransaction()) return true;
+    // The wait as it is set now, also for a connection opened before it was changed.
+    sqlite3_busy_timeout(m_db, GetBusyTimeout());
     // IMMEDIATE: the write lock is taken here, where the busy timeout is honoured, and not on
     // the first write after reads, where SQLite refuses at once to avoid a deadlock.
     if (sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK) {

@@ -1,6 +1,7 @@
 // The dialog of user hot-rolled sections driven by typing: the "(ZDY)" name it stores, the keys
 // each field refuses, a size that makes no section, a name that exists, and edit mode.
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
+#include "ndp/NDPDatabase.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "ui/VMPMessageBox.h"
@@ -155,4 +156,29 @@ TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures)
     EXPECT_EQ(received.standardName, L"HW100*100*6*8(ZDY)");
     EXPECT_EQ(received.weightMeter, 17.3);
     EXPECT_EQ(received.subId, 10);
+}
+
+TEST_F(UserSectionDialog, AProjectHeldByAnotherWriterIsSaidBusyNotTakenForANameThatExists) {
+    ndp::CDatabase* project = s_model->getProjectDB();
+    ASSERT_TRUE(project->Flush());
+    ndp::CDatabase other;
+    ASSERT_TRUE(other.Open(project->GetPath(), false));
+    ASSERT_TRUE(other.BeginTransaction());  // holds the write lock
+    const int wait = ndp::CDatabase::GetBusyTimeout();
+    ndp::CDatabase::SetBusyTimeout(100);
+
+    SKRUserHotRollingSectionDialog dialog(9, 7);
+    const QList<QLineEdit*> fields = edits(dialog);
+    ASSERT_EQ(fields.size(), 4);
+    fields[0]->setText(QStringLiteral("Z"));
+    fields[1]->setText(QStringLiteral("250*75*20*2.5"));
+    fields[2]->setText(QStringLiteral("10"));
+    fields[3]->setText(QStringLiteral("0.5"));
+    dialog.okSlot();
+    ndp::CDatabase::SetBusyTimeout(wait);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_TRUE(m_boxes[0].contains(QStringLiteral("busy"))) << m_boxes[0].toStdString();
+    EXPECT_TRUE(m_boxes[0].contains(project->GetPath())) << m_boxes[0].toStdString();
+    other.Close();
+    EXPECT_FALSE(m_user->findByName(L"Z250*75*20*2.5(ZDY)").first);
 }
