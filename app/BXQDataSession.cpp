@@ -32,27 +32,6 @@ public:
     bool isAutoCalculate() const override { return false; }
 };
 
-// Keeps the platform's warnings off standard error while it lives, so that a verb reports a
-// failure in one line of its own; the last warning is the reason it gives.
-class WarningCapture {
-public:
-    WarningCapture() : m_previous(qInstallMessageHandler(&WarningCapture::take)) { s_last = &m_last; }
-    ~WarningCapture() {
-        qInstallMessageHandler(m_previous);
-        s_last = nullptr;
-    }
-    const QString& last() const { return m_last; }
-
-private:
-    static void take(QtMsgType, const QMessageLogContext&, const QString& message) {
-        if (s_last) *s_last = message;
-    }
-    static QString* s_last;
-    QtMessageHandler m_previous;
-    QString m_last;
-};
-QString* WarningCapture::s_last = nullptr;
-
 // "cannot ACTION PATH: REASON", the platform's reason without the file it names at its end.
 QString fileMessage(const QString& action, const QString& path, const QString& reason) {
     QString why = reason.isEmpty() ? QStringLiteral("not a database of this program") : reason;
@@ -114,14 +93,13 @@ bool BXQDataSession::openProject(const QString& path, bool create, QString* erro
 bool BXQDataSession::openCatalogue(QString* error) {
     if (m_catalogue) return true;
     const QString path = dataFilePath(QLatin1String(kCatalogueFile));
-    WarningCapture warnings;
     try {
         m_catalogue = SKRSectionPolyDBManager::instance()->sectionPolyDB();
     } catch (const VMPModelException& e) {
         *error = e.message();
         return false;
     }
-    if (!m_catalogue) *error = unreadableMessage(path, warnings.last());
+    if (!m_catalogue) *error = unreadableMessage(path, VMPNDDBManager::nddbMgr()->lastError());
     return m_catalogue != nullptr;
 }
 
@@ -131,16 +109,14 @@ ndp::CDatabase* BXQDataSession::openSystemDatabase(const QString& fileName, QStr
         *error = SKRSectionPolyDBManager::missingFileMessage(path);
         return nullptr;
     }
-    WarningCapture warnings;
     ndp::CDatabase* database = VMPNDDBManager::nddbMgr()->getNDDB(fileName, false);
-    if (!database) *error = unreadableMessage(path, warnings.last());
+    if (!database) *error = unreadableMessage(path, VMPNDDBManager::nddbMgr()->lastError());
     return database;
 }
 
 void BXQDataSession::registerRepository() {
     if (m_registered) return;
-    // The start-up opens the catalogue by name itself and leaves it out quietly when it cannot.
-    WarningCapture warnings;
+    // The start-up opens the catalogue by name itself and leaves it out when it cannot.
     skr::InitBXQSteelRepository(model());
     m_registered = true;
 }

@@ -120,7 +120,7 @@ bool CheckDatabaseSeal(CDatabase& database, QString* error) {
     }
     // The digest covers the rows; SQLite's own check covers the indexes that look-ups go through.
     if (!stored.isEmpty() && digestOf(db, actual) && actual == stored && indexesIntact(db)) return true;
-    if (error) *error = QStringLiteral("%1 is damaged: its content does not match the seal it was shipped with").arg(database.GetPath());
+    if (error) *error = QStringLiteral("damaged: its content does not match the seal it was shipped with (%1)").arg(database.GetPath());
     return false;
 }
 

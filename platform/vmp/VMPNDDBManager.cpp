@@ -5,7 +5,6 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPAppInfo.h"
 
-#include <QtGlobal>
 
 VMPNDDBManager::VMPNDDBManager() = default;
 VMPNDDBManager::~VMPNDDBManager() = default;
@@ -20,16 +19,13 @@ ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
     if (open != m_databases.end()) return open->second.get();
     auto database = std::make_unique<ndp::CDatabase>();
     const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QLatin1Char('/') + name;
+    m_lastError.clear();
     if (!database->Open(path, readOnly)) {
-        qWarning("%s", qUtf8Printable(database->GetLastError()));
+        m_lastError = database->GetLastError();
         return nullptr;
     }
     // A shipped file is read as it was made or not at all.
-    QString damage;
-    if (!ndp::CheckDatabaseSeal(*database, &damage)) {
-        qWarning("%s", qUtf8Printable(damage));
-        return nullptr;
-    }
+    if (!ndp::CheckDatabaseSeal(*database, &m_lastError)) return nullptr;
     if (ndp::IsDatabaseSealed(*database)) ndp::HoldReadLock(*database);
     ndp::CDatabase* result = database.get();
     m_databases.emplace(name, std::move(database));

@@ -17,8 +17,11 @@ public:
     static VMPNDDBManager* nddbMgr();
 
     // The database file name in the application data folder, opened on first request (read-only
-    // when asked); null when it is missing or cannot be opened.
+    // when asked); null when it is missing, cannot be opened or is a damaged shipped file, with
+    // the reason (naming the file) in lastError().
     ndp::CDatabase* getNDDB(const QString& name, bool readOnly);
+    // Why the last getNDDB that failed did; empty after one that succeeded.
+    const QString& lastError() const { return m_lastError; }
     // Closes and destroys one database it handed out (unflushed writes are discarded); false when
     // it is not one of its own.
     bool closeNDDB(ndp::CDatabase* database);
@@ -29,4 +32,5 @@ private:
     VMPNDDBManager();
     ~VMPNDDBManager();
     std::map<QString, std::unique_ptr<ndp::CDatabase>> m_databases;
+    QString m_lastError;
 };
