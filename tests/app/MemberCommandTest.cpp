@@ -43,6 +43,18 @@ QJsonObject member(const QStringList& arguments) {
     return QJsonDocument::fromJson(run.out).object();
 }
 
+// A 6 m welded H along X stored in the project (its id is 1 in a new project).
+void addBeam(const QString& project, const QString& from = "0,0,0", const QString& to = "6000,0,0") {
+    const BxqRun run = bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", from, "--to", to});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+}
+
+// A cutting plane of a stored member, relative to its head or tail frame.
+BxqRun addPlane(const QString& project, const QString& member, const QString& end, const QString& origin,
+                const QString& normal) {
+    return bxq({"cut-plane", "add", "--project", project, "--id", member, end, "--origin", origin, "--normal", normal});
+}
+
 QVector<double> numbers(const QJsonValue& value) {
     QVector<double> out;
     for (const QJsonValue& v : value.toArray()) out << v.toDouble();
@@ -80,23 +92,16 @@ TEST(BxqMember, CuttingPlanesOfTheElementTrimItsSolid) {
     const double full = member({"H400*200*8*13", "--length", "6000"}).value("volume").toDouble();
 
     // Two stored members; the second gets the planes.
-    for (const char* y : {"0", "5000"})
-        ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from",
-                       QString("0,%1,0").arg(y), "--to", QString("6000,%1,0").arg(y)})
-                      .exitCode,
-                  0);
-    ASSERT_EQ(bxq({"cut-plane", "add", "--project", project, "--id", "2", "--head", "--origin", "0,0,1000",
-                   "--normal", "0,0,1"})
-                  .exitCode,
-              0);
+    addBeam(project);
+    addBeam(project, "0,5000,0", "6000,5000,0");
+    ASSERT_EQ(addPlane(project, "2", "--head", "0,0,1000", "0,0,1").exitCode, 0);
     // No plane on member 1: the whole member.
     EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "1"}).value("volume").toDouble(),
                 full, 1e-6 * full);
     // Member 2: a head cut 1000 in, then a tail cut 1000 back from the end.
     EXPECT_NEAR(member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "2"}).value("volume").toDouble(),
                 full * 5 / 6, 1e-6 * full);
-    const BxqRun tail = bxq({"cut-plane", "add", "--project", project, "--id", "2", "--tail", "--origin", "0,0,-1000",
-                             "--normal", "0,0,-1"});
+    const BxqRun tail = addPlane(project, "2", "--tail", "0,0,-1000", "0,0,-1");
     ASSERT_EQ(tail.exitCode, 0) << tail.err.constData();
     EXPECT_EQ(tail.out, "added cutting plane to member 2 (tail), id 2\n");
     const QJsonObject cut = member({"H400*200*8*13", "--length", "6000", "--project", project, "--id", "2", "--step",
@@ -158,8 +163,7 @@ TEST(BxqMember, StoredMembersAndTheirPlanesAreAddedListedMovedAndRemoved) {
                    "0,3000,4000", "--roll", "90"})
                   .exitCode,
               0);
-    const BxqRun plane = bxq({"cut-plane", "add", "--project", project, "--id", "1", "--tail", "--origin", "0,0,-1000",
-                              "--normal", "0,0,-1"});
+    const BxqRun plane = addPlane(project, "1", "--tail", "0,0,-1000", "0,0,-1");
     ASSERT_EQ(plane.exitCode, 0) << plane.err.constData();
 
     // The list weighs each member after its cuts: the welded H is 5/6 of its plate area x 6 m.
@@ -194,10 +198,7 @@ TEST(BxqMember, StoredMembersAndTheirPlanesAreAddedListedMovedAndRemoved) {
 TEST(BxqMember, StoredMemberVerbsRefuseWhatTheyCannotDo) {
     QTemporaryDir dir;
     const QString project = dir.filePath("model.KDB");
-    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
-                   "6000,0,0"})
-                  .exitCode,
-              0);
+    addBeam(project);
     QFile file(project);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray before = file.readAll();
@@ -252,10 +253,7 @@ TEST(BxqMember, EveryVerbAndSubVerbAnswersHelpWithAnExample) {
 TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
     QTemporaryDir dir;
     const QString project = dir.filePath("view.KDB");
-    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
-                   "6000,0,0"})
-                  .exitCode,
-              0);
+    addBeam(project);
     for (const QStringList& plane : {QStringList{"--head", "--origin", "0,0,1000", "--normal", "0,0,1"},
                                      QStringList{"--tail", "--origin", "0,0,-1000", "--normal", "0,0,-1"}})
         ASSERT_EQ(bxq(QStringList{"cut-plane", "add", "--project", project, "--id", "1"} + plane).exitCode, 0);
@@ -304,14 +302,8 @@ TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
 TEST(BxqMember, ADamagedPlaneRowIsAnErrorNotAnUncutMember) {
     QTemporaryDir dir;
     const QString project = dir.filePath("damaged.KDB");
-    ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
-                   "6000,0,0"})
-                  .exitCode,
-              0);
-    ASSERT_EQ(bxq({"cut-plane", "add", "--project", project, "--id", "1", "--head", "--origin", "0,0,1000", "--normal",
-                   "0,0,1"})
-                  .exitCode,
-              0);
+    addBeam(project);
+    ASSERT_EQ(addPlane(project, "1", "--head", "0,0,1000", "0,0,1").exitCode, 0);
     // The plane's frame spilled over overflow pages, then their chain broken.
     QProcess sqlite;
     sqlite.start("sqlite3", {project, "UPDATE \"CuttingPlane\" SET \"LocalCoordinate\" = '" + bxqtest::longNumberText("1") + "'"});
@@ -333,10 +325,7 @@ TEST(BxqMember, ADamagedPlaneRowIsAnErrorNotAnUncutMember) {
 TEST(BxqMember, ProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
     QTemporaryDir dir;
     const QString whole = dir.filePath("whole.KDB");
-    ASSERT_EQ(bxq({"member", "add", "--project", whole, "--section", "H400*200*8*13", "--from", "0,0,0", "--to",
-                   "6000,0,0"})
-                  .exitCode,
-              0);
+    addBeam(whole);
     QFile file(whole);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();
