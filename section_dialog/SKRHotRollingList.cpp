@@ -2,8 +2,8 @@
 #include "section_dialog/SKRHotRollingList.h"
 
 #include "section_data/SKRDatabaseError.h"
-
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_spec/SKRUserSectionMark.h"
 
 #include <QCoreApplication>
 
@@ -12,7 +12,7 @@
 using skr::section::SKRHotRollingSection;
 
 namespace {
-const QString kUserMark = QStringLiteral("(ZDY)");
+const QString kUserMark = skr::section::userSectionMark();
 
 QString text(const char* source) { return QCoreApplication::translate("SKRSectionPolyDlg", source); }
 

@@ -2,8 +2,8 @@
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 
 #include "section_data/SKRDatabaseError.h"
-
 #include "section_spec/SKRRangeRule.h"
+#include "section_spec/SKRUserSectionMark.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionSchemeProvider.h"
@@ -23,7 +23,7 @@ using skr::section::SKRHotRollingSection;
 
 namespace {
 
-const QString kMark = QStringLiteral("(ZDY)");
+const QString kMark = skr::section::userSectionMark();
 // Figures: at most 4 integer digits and 20 decimals.
 const QString kFigurePattern = QStringLiteral("([0-9]{1,4}[\\.][0-9]{1,20})|([0-9]{1,4})");
 

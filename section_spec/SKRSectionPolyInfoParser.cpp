@@ -3,6 +3,7 @@
 
 #include "section_data/SKRCatalogueLookup.h"
 #include "section_spec/SKRScriptEvaluator.h"
+#include "section_spec/SKRUserSectionMark.h"
 #include "section_spec/WeldSectionNormParser.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,7 @@
 
 namespace {
 
-const QString kUserMark = QStringLiteral("(ZDY)");
+const QString kUserMark = skr::section::userSectionMark();
 const QString kUserTypeCode = QStringLiteral("ZDY");
 
 bool isDigitAt(const QString& s, int i) { return i < s.size() && s[i].isDigit(); }

@@ -9,6 +9,7 @@
 
 #include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_spec/SKRUserSectionMark.h"
 
 #include "ndp/NDPDatabase.h"
 
@@ -26,7 +27,7 @@ namespace {
 using skr::section::SKRHotRollingSection;
 using skr::section::SKRUserHotRollingSectionDBProvider;
 
-const QString kUserMark = QStringLiteral("(ZDY)");
+const QString kUserMark = skr::section::userSectionMark();
 
 // Section types a user may define a hot-rolled section of: those of the shipped catalogue.
 bool isHotRolledType(int type) { return (type >= 1 && type <= 10) || type == 1011; }
