@@ -7,6 +7,7 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/LockHolder.h"
 #include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
 
@@ -91,7 +92,9 @@ void writeCatalogue(const QString& path, const std::wstring& damaged = std::wstr
         record->Release();
     }
     ASSERT_TRUE(db.Flush());
-    if (!damaged.empty()) ASSERT_TRUE(bxqtest::damageLongRow(path));
+    if (!damaged.empty()) {
+        ASSERT_TRUE(bxqtest::damageLongRow(path));
+    }
 }
 
 // A project of three user sections of type 9, subs 1 to 3; the one named damaged unreadable.
@@ -113,7 +116,9 @@ void writeProject(const QString& path, const std::wstring& damaged = std::wstrin
         record->Release();
     }
     ASSERT_TRUE(model.save());
-    if (!damaged.empty()) ASSERT_TRUE(bxqtest::damageLongRow(path));
+    if (!damaged.empty()) {
+        ASSERT_TRUE(bxqtest::damageLongRow(path));
+    }
 }
 
 QStringList addArguments(const QString& project, const QString& name) {
@@ -126,24 +131,6 @@ QList<QStringList> changeVerbs(const QString& project) {
             {"user-section", "update", "Z1", "--project", project, "--weight", "2"},
             {"user-section", "remove", "--project", project, "--type", "9", "--sub", "1"}};
 }
-
-// Another program holding a file: the sqlite3 shell inside a transaction, until destroyed.
-class LockHolder {
-public:
-    LockHolder(const QString& path, const char* begin) {
-        m_shell.start(QStringLiteral("sqlite3"), {path});
-        m_shell.write(QByteArray(begin) + ";\nSELECT 'held';\n");
-        while (!m_shell.readAllStandardOutput().contains("held") && m_shell.waitForReadyRead(10000)) {
-        }
-    }
-    ~LockHolder() {
-        m_shell.closeWriteChannel();
-        m_shell.waitForFinished(10000);
-    }
-
-private:
-    QProcess m_shell;
-};
 
 class BxqFaultTest : public ::testing::Test {
 protected:
@@ -188,7 +175,7 @@ TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
     const QByteArray before = digest(m_project);
     {
         // Writing (the host's write transaction, another bxq): reading goes on, changes wait.
-        const LockHolder holder(m_project, "BEGIN IMMEDIATE");
+        const bxqtest::LockHolder holder(m_project, "BEGIN IMMEDIATE");
         for (const QStringList& verb : changeVerbs(m_project)) {
             SCOPED_TRACE(verb.join(' ').toStdString());
             const BxqRun run = bxq(m_data.path(), verb);
@@ -198,7 +185,7 @@ TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
         EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}).exitCode, 0);
     }
     {
-        const LockHolder holder(m_project, "BEGIN EXCLUSIVE");
+        const bxqtest::LockHolder holder(m_project, "BEGIN EXCLUSIVE");
         for (const QStringList& verb : changeVerbs(m_project) + QList<QStringList>{{"user-section", "list", "--project", m_project}}) {
             SCOPED_TRACE(verb.join(' ').toStdString());
             expectRefused(bxq(m_data.path(), verb), m_project, "busy");

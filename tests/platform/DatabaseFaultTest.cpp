@@ -4,6 +4,7 @@
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 
+#include "support/LockHolder.h"
 #include "support/DamagedDatabase.h"
 
 #include <gtest/gtest.h>
@@ -33,25 +34,6 @@ QString writeThreeRows(const QTemporaryDir& dir) {
     EXPECT_TRUE(db.Flush());
     return path;
 }
-
-// Another program holding the file: the sqlite3 shell inside a transaction, until it is closed.
-class LockHolder {
-public:
-    LockHolder(const QString& path, const char* begin) {
-        m_shell.start(QStringLiteral("sqlite3"), {path});
-        m_shell.write(QByteArray(begin) + ";\nSELECT 'held';\n");
-        while (!m_shell.readAllStandardOutput().contains("held") && m_shell.waitForReadyRead(10000)) {
-        }
-    }
-    ~LockHolder() {
-        m_shell.closeWriteChannel();
-        m_shell.waitForFinished(10000);
-    }
-    qint64 pid() const { return m_shell.processId(); }
-
-private:
-    QProcess m_shell;
-};
 
 }  // namespace
 
@@ -89,11 +71,13 @@ TEST(DatabaseFaults, AFileHeldByAnotherProgramIsBusyAndItsHolderNamed) {
         SCOPED_TRACE(held.begin);
         QTemporaryDir dir;
         const QString path = writeThreeRows(dir);
-        const LockHolder holder(path, held.begin);
+        const bxqtest::LockHolder holder(path, held.begin);
         CDatabase db;
         const bool opened = db.Open(path, false);
         ASSERT_EQ(opened, held.opens) << qPrintable(db.GetLastError());
-        if (opened) EXPECT_FALSE(db.BeginTransaction());
+        if (opened) {
+            EXPECT_FALSE(db.BeginTransaction());
+        }
         EXPECT_TRUE(db.IsBusy());
         const QString error = db.GetLastError();
         EXPECT_TRUE(error.contains("busy")) << qPrintable(error);
