@@ -11,6 +11,7 @@
 #include "section_dialog/SKRHotRollingList.h"
 #include "section_dialog/SKRParamEditor.h"
 #include "section_dialog/SKRPolyImgTableModel.h"
+#include "section_spec/SKRSectionTypeTable.h"
 #include "section_spec/SKRPolyParamManger.h"
 #include "section_dialog/SKRSectionPreview.h"
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
@@ -52,11 +53,10 @@ QString filterPlaceholder() { return text("快速搜索，如:C 200*70*20*2"); }
 
 // The hot-rolled catalogue types: those listed by name rather than edited by parameters.
 bool isCatalogueType(int sectionType) {
-    return SKRSectionPolyInfoParser::polyGroupType(sectionType) == sgStandard && sectionType != stBoltBall &&
-           sectionType != stWeldBall;
+    return skr::section::sectionTypeGroup(sectionType) == sgStandard && !skr::section::isBallType(sectionType);
 }
 
-bool isBallType(int sectionType) { return sectionType == stBoltBall || sectionType == stWeldBall; }
+using skr::section::isBallType;
 
 // Registers the section repository when the host has not. False, registering nothing, when the
 // section database is missing.

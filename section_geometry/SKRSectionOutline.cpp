@@ -3,6 +3,7 @@
 #include "section_geometry/SKRSectionOutline.h"
 
 #include "section_geometry/SKROutlineBuilder.h"
+#include "section_spec/EnSKRSectionType.h"
 
 #include <QStringList>
 #include <QVector>
@@ -278,8 +279,8 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
     Values v(params);
     Outline out;
     bool sound = true;
-    switch (sectionType) {
-    case 1: {
+    switch (static_cast<EnSKRSectionType>(sectionType)) {
+    case stI: {
         const double h = v("h"), b = v("b"), d = v("d"), t = v("t");
         const double r = v.optional("r", 0), r1 = v.optional("r1", 0);
         // t is the thickness halfway along the outstand (b - d) / 2.
@@ -288,7 +289,7 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         out.loops << slopedI(h, b, d, t - change, t + change, r, r1);
         break;
     }
-    case 2: {
+    case stChannel: {
         const double h = v("h"), b = v("b"), d = v("d"), t = v("t");
         const double r = v.optional("r", 0), r1 = v.optional("r1", 0);
         const double change = kChannelFlangeSlope * (b - d) / 2;
@@ -296,21 +297,21 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         out.loops << slopedChannel(h, b, d, t - change, t + change, r, r1);
         break;
     }
-    case 3:
-    case 4: {
+    case stEqualAngle:
+    case stUnequalAngle: {
         const double b = v("b"), d = v("d");
-        const double legY = sectionType == 3 ? b : v("B");
+        const double legY = sectionType == stEqualAngle ? b : v("B");
         sound = positive({b - d, legY - d});
         out.loops << angle(legY, b, d, v.optional("r", 0), d / 3);
         break;
     }
-    case 7:
-    case 11:
-    case 17:
-    case 20: {
-        const bool welded = sectionType >= 11;
+    case stHotRolledH:
+    case stWeldedH:
+    case stWeldedTaperedH:
+    case stWeldedHVariant: {
+        const bool welded = sectionType != stHotRolledH;
         // Tapered and two-depth H: the deeper end.
-        const double h = sectionType >= 17 ? std::max(v("h1"), v("h2")) : v("h");
+        const double h = sectionType == stWeldedTaperedH || sectionType == stWeldedHVariant ? std::max(v("h1"), v("h2")) : v("h");
         const double b = v("b"), tw = v("tw");
         const double tt = welded ? v("t1") : v("t");
         const double tb = welded ? v("t2") : tt;
@@ -319,57 +320,57 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         out.loops << doubleFlanged(h, b, b, tw, tt, tb, r);
         break;
     }
-    case 12: {
+    case stWeldedHUnequal: {
         const double h = v("h"), b1 = v("b1"), b2 = v("b2"), tw = v("tw"), t1 = v("t1"), t2 = v("t2");
         sound = positive({b1 - tw, b2 - tw, h - t1 - t2});
         out.loops << doubleFlanged(h, b1, b2, tw, t1, t2);
         break;
     }
-    case 5:
-    case 14: {
-        const double d = sectionType == 5 ? v("D") : v("d"), t = v("t");
+    case stPipe:
+    case stWeldedPipe: {
+        const double d = sectionType == stPipe ? v("D") : v("d"), t = v("t");
         sound = positive({d - 2 * t});
         ring(out, d, t);
         break;
     }
-    case 6: ring(out, v("d"), 0); break;
-    case 1012: ring(out, v("D"), 0); break;
-    case 1013: {
+    case stRoundBar: ring(out, v("d"), 0); break;
+    case stBoltBall: ring(out, v("D"), 0); break;
+    case stWeldBall: {
         const double d = v("D"), t = v("t");
         sound = positive({d - 2 * t});
         ring(out, d, t);
         break;
     }
-    case 18: {
+    case stWeldedD: {
         const double d = std::max(v("R1"), v("R2")), t = v("t");
         sound = positive({d - 2 * t});
         ring(out, d, t);
         break;
     }
-    case 8:
-    case 9: {
+    case stCSection:
+    case stZSection: {
         const double h = v("h"), b = v("b"), c = v("c"), t = v("t");
         const double ri = v.optional("r", 2 * t), ro = ri + t;
         sound = positive({b - 2 * t, c - t, h - 2 * c});
-        out.loops << (sectionType == 8 ? lippedChannel(h, b, c, t, ri, ro) : lippedZ(h, b, c, t, ri, ro));
+        out.loops << (sectionType == stCSection ? lippedChannel(h, b, c, t, ri, ro) : lippedZ(h, b, c, t, ri, ro));
         break;
     }
-    case 10:
-    case 16: {
+    case stHotRolledT:
+    case stWeldedT: {
         const double h = v("h"), b = v("b");
-        const double tw = sectionType == 10 ? v("tw") : v("t1");
-        const double t = sectionType == 10 ? v("t") : v("t2");
+        const double tw = sectionType == stHotRolledT ? v("tw") : v("t1");
+        const double t = sectionType == stHotRolledT ? v("t") : v("t2");
         sound = positive({b - tw, h - t});
-        out.loops << tee(h, b, tw, t, sectionType == 10 ? v.optional("r", 0) : 0);
+        out.loops << tee(h, b, tw, t, sectionType == stHotRolledT ? v.optional("r", 0) : 0);
         break;
     }
-    case 13: {
+    case stWeldedBox: {
         const double height = v("b1"), width = v("b2"), web = v("t1"), flange = v("t2");
         sound = positive({width - 2 * web, height - 2 * flange});
         hollowRectangle(out, width, height, web, flange);
         break;
     }
-    case 19: {
+    case stWeldedBB: {
         // The larger of the two ends: B1 x B2 or b1 x b2.
         double height = v("B1"), width = v("B2");
         const double otherHeight = v("b1"), otherWidth = v("b2");
@@ -379,14 +380,14 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         hollowRectangle(out, width, height, web, flange);
         break;
     }
-    case 1011: {
+    case stBoxTube: {
         const double h = v("h"), b = v("b"), t = v("t");
         const double outer = v.optional("r", hollowCornerRadius(t) - t) + t;
         sound = positive({b - 2 * t, h - 2 * t});
         hollowRectangle(out, b, h, t, t, outer);
         break;
     }
-    case 15: {
+    case stWeldedCross: {
         const double h1 = v("h1"), b1 = v("b1"), tw1 = v("tw1"), t1 = v("t1"), t2 = v("t2");
         const double h2 = v("h2"), b2 = v("b2"), tw2 = v("tw2"), t3 = v("t3"), t4 = v("t4");
         sound = positive({b1 - tw1, b2 - tw2, h1 / 2 - std::max(t1, t2) - b2 / 2, h2 / 2 - std::max(t3, t4) - b1 / 2,
@@ -394,7 +395,7 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         out.loops << cross(h1, b1, tw1, t1, t2, h2, b2, tw2, t3, t4);
         break;
     }
-    case 21: {
+    case stWeldedTY: {
         // The larger of the two ends: R1 x R2 or r1 x r2 (full axes).
         double width = v("R1"), height = v("R2");
         const double otherWidth = v("r1"), otherHeight = v("r2");
@@ -441,7 +442,7 @@ QMap<QString, double> catalogueOutlineParams(int sectionType, const QMap<QString
     QMap<QString, double> params;
     for (auto it = dimensions.constBegin(); it != dimensions.constEnd(); ++it)
         if (it.value() != 0) params.insert(it.key(), it.value());
-    if (sectionType == 8 || sectionType == 9) {
+    if (sectionType == stCSection || sectionType == stZSection) {
         const double t = params.value(QStringLiteral("t"));
         double r = 0;
         if (coldFormedBendRadius(params.value(QStringLiteral("h")), params.value(QStringLiteral("b")),

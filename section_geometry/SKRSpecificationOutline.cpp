@@ -5,6 +5,7 @@
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_spec/SKRSectionParams.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_spec/SKRSectionTypeTable.h"
 
 #include <exception>
 
@@ -12,10 +13,9 @@ namespace skr {
 namespace geometry {
 namespace {
 
-// Rolled shapes whose root radius only the catalogue knows.
 bool hasCatalogueRadii(int sectionType) {
-    return sectionType == 1 || sectionType == 2 || sectionType == 3 || sectionType == 4 || sectionType == 7 ||
-           sectionType == 10;
+    const section::SKRSectionTypeDescriptor* row = section::sectionTypeDescriptor(sectionType);
+    return row && row->catalogueRadii;
 }
 
 section::SKRHotRollingLookup catalogueRow(const QString& name) {

@@ -7,6 +7,7 @@
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_spec/SKRSectionParams.h"
+#include "section_spec/SKRSectionTypeTable.h"
 #include "section_spec/SKRScriptEvaluator.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 #include "section_spec/WeldSectionNormParser.h"
@@ -28,21 +29,14 @@ namespace {
 // The written form of standard sections that are not looked up in the catalogue by their name
 // alone: the code and the values joined by "*", radii left out.
 QString standardCode(int sectionType) {
-    switch (sectionType) {
-    case stEqualAngle:
-    case stUnequalAngle: return QStringLiteral("L");
-    case stPipe:
-    case stRoundBar: return QStringLiteral("D");
-    case stCSection: return QStringLiteral("C");
-    case stZSection: return QStringLiteral("Z");
-    case stBoxTube: return QStringLiteral("□");
-    default: return QString();
-    }
+    const skr::section::SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(sectionType);
+    if (!row || !row->writtenByDimensions) return QString();
+    return QString::fromUtf8(row->codes).section(QLatin1Char(','), 0, 0);
 }
 
 bool isNormType(int sectionType) {
-    return SKRSectionPolyInfoParser::polyGroupType(sectionType) == sgWelded || sectionType == stBoltBall ||
-           sectionType == stWeldBall;
+    const skr::section::SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(sectionType);
+    return row && row->normChecked;
 }
 
 QString dialogText(const char* text) { return QCoreApplication::translate("SKRSectionPolyDlg", text); }

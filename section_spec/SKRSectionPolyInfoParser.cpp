@@ -3,6 +3,7 @@
 
 #include "section_data/SKRCatalogueLookup.h"
 #include "section_spec/SKRScriptEvaluator.h"
+#include "section_spec/SKRSectionTypeTable.h"
 #include "section_spec/SKRUserSectionMark.h"
 #include "section_spec/WeldSectionNormParser.h"
 
@@ -12,10 +13,30 @@
 
 #include <cmath>
 
+using skr::section::SKRSectionTypeDescriptor;
+
 namespace {
 
 const QString kUserMark = skr::section::userSectionMark();
 const QString kUserTypeCode = QStringLiteral("ZDY");
+
+QVector<std::int32_t> typesOfGroup(EnSKRSectionGroupType group) {
+    QVector<std::int32_t> types;
+    for (EnSKRSectionType type : skr::section::sectionTypesOfGroup(group)) types.append(type);
+    return types;
+}
+
+bool starsMatch(skr::section::SKRStarRule rule, int stars) {
+    using skr::section::SKRStarRule;
+    switch (rule) {
+    case SKRStarRule::Any: return true;
+    case SKRStarRule::None: return stars == 0;
+    case SKRStarRule::Some: return stars > 0;
+    case SKRStarRule::One: return stars == 1;
+    case SKRStarRule::Two: return stars == 2;
+    }
+    return false;
+}
 
 bool isDigitAt(const QString& s, int i) { return i < s.size() && s[i].isDigit(); }
 
@@ -35,11 +56,7 @@ double plainNumber(const QString& piece) {
 }  // namespace
 
 SKRSectionPolyInfoParser::SKRSectionPolyInfoParser()
-    : m_standardTypes{stI,      stChannel,   stEqualAngle, stUnequalAngle, stPipe,
-                      stRoundBar, stHotRolledH, stCSection, stZSection,     stHotRolledT,
-                      stBoxTube, stBoltBall,  stWeldBall},
-      m_weldedTypes{stWeldedH,   stWeldedHUnequal, stWeldedBox, stWeldedPipe,     stWeldedCross, stWeldedT,
-                    stWeldedTaperedH, stWeldedD, stWeldedBB,  stWeldedHVariant, stWeldedTY} {}
+    : m_standardTypes(typesOfGroup(sgStandard)), m_weldedTypes(typesOfGroup(sgWelded)) {}
 
 QString SKRSectionPolyInfoParser::customSectionKeyword() {
     return QCoreApplication::translate("SKRSectionPolyDlg", "自定义截面");
@@ -79,7 +96,8 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     parserParamValue(static_cast<EnSKRSectionGroupType>(m_groupType), static_cast<EnSKRSectionType>(m_sectionType));
     m_paramCount = m_params.size();
     applyWeldedNorm(text);
-    if (m_sectionType == stBoltBall || m_sectionType == stWeldBall) m_groupType = sgStandard;
+    // Ball nodes are matched by their norms but listed with the catalogue sections.
+    if (skr::section::isBallType(m_sectionType)) m_groupType = sgStandard;
     // Nothing made from a section may hold an infinite or overflowing figure: such a text is
     // an unknown type, in the group it would have had where that does not follow from the type
     // (user sections, the custom keyword).
@@ -122,20 +140,22 @@ void SKRSectionPolyInfoParser::applyWeldedNorm(const QString& text) {
     if (!norms.isValid(copy) || !norms.match(copy)) return;
     m_sectionType = norms.matchedType();
     m_groupType = sgWelded;
-    if (m_sectionType >= stWeldedD && m_sectionType <= stWeldedTY) {
+    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(m_sectionType);
+    if (row && !*row->codes) {
         m_params.clear();
         const QMap<QString, double> values = norms.numericValues();  // ascending by name
         for (double value : values) m_params.append(value);
         m_paramCount = m_params.size();
-        m_typeIndex = m_weldedTypes.indexOf(m_sectionType);
-        if (m_typeIndex < 0) m_typeIndex = m_weldedTypes.size();
+        m_typeIndex = skr::section::sectionTypeGroup(m_sectionType) == sgWelded
+                          ? skr::section::sectionTypeIndex(m_sectionType)
+                          : m_weldedTypes.size();
     }
 }
 
 SKRWeldBallInfo SKRSectionPolyInfoParser::parser(const QString& text, const QString& expression) {
     parser(text);
     SKRWeldBallInfo info;
-    if (m_sectionType != stBoltBall && m_sectionType != stWeldBall) {
+    if (!skr::section::isBallType(m_sectionType)) {
         m_paramCount = m_params.size();
         return info;
     }
@@ -222,32 +242,14 @@ void SKRSectionPolyInfoParser::parserType(const QString& s) {
 EnSKRSectionType SKRSectionPolyInfoParser::analysePolyID() {
     const QString& code = m_typeCode;
     if (code.isEmpty()) return m_valueText.contains(QLatin1Char('*')) ? stNone : stPlainNumber;
-    if (code == QLatin1String("I")) return stI;
-    if (code == QLatin1String("[")) return stChannel;
-    if (code == QLatin1String("L")) {
+    const QVector<const SKRSectionTypeDescriptor*>& rows = skr::section::sectionTypesOfCode(code);
+    if (!rows.isEmpty()) {
         const int stars = m_valueText.count(QLatin1Char('*'));
-        return stars == 1 ? stEqualAngle : stars == 2 ? stUnequalAngle : stInvalid;
+        for (const SKRSectionTypeDescriptor* row : rows)
+            if ((!*row->selector || m_valueText.contains(QLatin1String(row->selector))) && starsMatch(row->stars, stars))
+                return row->type;
+        return stInvalid;
     }
-    if (code == QLatin1String("D")) return m_valueText.contains(QLatin1Char('*')) ? stPipe : stRoundBar;
-    if (code == QLatin1String("HW") || code == QLatin1String("HM") || code == QLatin1String("HT") ||
-        code == QLatin1String("HN") || code == QLatin1String("HP"))
-        return stHotRolledH;
-    if (code == QLatin1String("C")) return stCSection;
-    if (code == QLatin1String("Z")) return stZSection;
-    if (code == QLatin1String("TN") || code == QLatin1String("TW") || code == QLatin1String("TM"))
-        return stHotRolledT;
-    if (code == QStringLiteral("□")) return stBoxTube;
-    if (code == QLatin1String("H")) {
-        if (m_valueText.contains(QLatin1Char('+'))) return stWeldedCross;
-        if (m_valueText.contains(QLatin1Char('~'))) return stWeldedTaperedH;
-        if (m_valueText.contains(QLatin1Char('/'))) return stWeldedHUnequal;
-        return stWeldedH;
-    }
-    if (code == QLatin1String("T")) return stWeldedT;
-    if (code == QLatin1String("B")) return stWeldedBox;
-    if (code == QLatin1String("HD")) return stWeldedPipe;
-    if (code == QLatin1String("BS")) return stBoltBall;
-    if (code == QLatin1String("WS") || code == QLatin1String("WSR")) return stWeldBall;
     if (code == customSectionKeyword()) {
         bool ok = false;
         const int n = m_valueText.toInt(&ok, 10);
@@ -263,42 +265,20 @@ EnSKRSectionType SKRSectionPolyInfoParser::analysePolyID() {
 }
 
 EnSKRSectionGroupType SKRSectionPolyInfoParser::analyseGroupType() const {
-    static const QStringList standardCodes{"I",  "[",  "L",  "D",  "HW", "HM", "HT", "HN", "HP", "C",
-                                           "Z",  "TN", "TW", "TM", "□",  "BS", "WS", "WSR", "ZDY"};
-    static const QStringList weldedCodes{"H", "T", "B", "HD"};
     if (m_typeCode.isEmpty()) return sgNone;
-    if (standardCodes.contains(m_typeCode)) return sgStandard;
-    if (weldedCodes.contains(m_typeCode)) return sgWelded;
+    const QVector<const SKRSectionTypeDescriptor*>& rows = skr::section::sectionTypesOfCode(m_typeCode);
+    if (!rows.isEmpty()) return rows.first()->group;
+    if (m_typeCode == kUserTypeCode) return sgStandard;
     if (m_typeCode == customSectionKeyword()) return sgCustom;
     return sgInvalid;
 }
 
-EnSKRSectionGroupType SKRSectionPolyInfoParser::polyGroupType(int type) {
-    if ((type >= stI && type <= stHotRolledT) || (type >= stBoxTube && type <= stWeldBall)) return sgStandard;
-    if (type >= stWeldedH && type <= stWeldedTY) return sgWelded;
-    if (type == stNone || type == stPlainNumber) return sgNone;
-    if (type >= stCustomBase) return sgCustom;
-    return sgInvalid;
-}
+EnSKRSectionGroupType SKRSectionPolyInfoParser::polyGroupType(int type) { return skr::section::sectionTypeGroup(type); }
 
 QString SKRSectionPolyInfoParser::weldingSteelMark(int type, int ribFlag) {
-    switch (type) {
-    case stWeldedH:
-    case stWeldedHUnequal:
-    case stWeldedCross:
-    case stWeldedTaperedH:
-    case stWeldedHVariant:
-        return QStringLiteral("H");
-    case stWeldedBox: return QStringLiteral("B");
-    case stWeldedPipe: return QStringLiteral("HD");
-    case stWeldedT: return QStringLiteral("T");
-    case stWeldedD: return QStringLiteral("D");
-    case stWeldedBB: return QStringLiteral("BB");
-    case stWeldedTY: return QStringLiteral("TY");
-    case stBoltBall: return QStringLiteral("BS");
-    case stWeldBall: return ribFlag != 0 ? QStringLiteral("WSR") : QStringLiteral("WS");
-    default: return QString();
-    }
+    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(type);
+    if (!row) return QString();
+    return QString::fromLatin1(ribFlag != 0 && *row->ribbedMark ? row->ribbedMark : row->mark);
 }
 
 QList<double> SKRSectionPolyInfoParser::parserValue(const QString& text, QChar separator) {
@@ -323,30 +303,17 @@ void SKRSectionPolyInfoParser::analyseComplexValue(const QString& text, const QS
 }
 
 void SKRSectionPolyInfoParser::applyModified(const EnSKRSectionType& type, QList<double>& values) {
-    switch (type) {
-    case stWeldedH:
-        if (values.size() == 4) values.append(values[3]);
-        break;
-    case stWeldedHUnequal:
-        if (values.size() == 3) values.append(values[2]);
-        break;
-    case stWeldedBox:
-        if (values.size() == 3) values.prepend(values[0]);
-        break;
-    case stWeldedCross:
-    case stWeldedTaperedH:
-        if (values.size() == 4) values.append(values[3]);
-        break;
-    default:
-        break;
-    }
+    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(type);
+    if (!row || values.size() != row->padWhen || values.isEmpty()) return;
+    if (row->pad == skr::section::SKRPadRule::RepeatLast) values.append(values.last());
+    else if (row->pad == skr::section::SKRPadRule::RepeatFirst) values.prepend(values.first());
 }
 
 void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& group, const EnSKRSectionType& type) {
+    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(type);
     if (group == sgStandard) {
-        const int index = m_standardTypes.indexOf(type);
-        if (index >= 0) m_typeIndex = index;
-        if (type == stI || type == stChannel) {
+        if (row && row->group == group) m_typeIndex = skr::section::sectionTypeIndex(type);
+        if (row && row->catalogueNamed) {
             QVector<double> dimensions;
             if (skr::section::SKRCatalogueLookup::hotRolledDimensions(m_name, type, &dimensions))
                 m_params += dimensions;
@@ -356,13 +323,9 @@ void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& gro
         return;
     }
     if (group == sgWelded) {
-        m_typeIndex = m_weldedTypes.indexOf(type);
-        if (type == stWeldedHUnequal) {
-            analyseComplexValue(m_valueText, QStringLiteral("/"));
-        } else if (type == stWeldedCross) {
-            analyseComplexValue(m_valueText, QStringLiteral("+H"));
-        } else if (type == stWeldedTaperedH) {
-            analyseComplexValue(m_valueText, QStringLiteral("~"));
+        m_typeIndex = row && row->group == group ? skr::section::sectionTypeIndex(type) : -1;
+        if (row && *row->pieceSeparator) {
+            analyseComplexValue(m_valueText, QString::fromLatin1(row->pieceSeparator));
         } else {
             QList<double> values = parserValue(m_valueText, QLatin1Char('*'));
             applyModified(type, values);
@@ -390,73 +353,24 @@ QMap<QString, QString> SKRSectionPolyInfoParser::parserParamEqualString(const QS
 QString SKRSectionPolyInfoParser::parseStandardName(int sectionType, int ribFlag, const QString& paramText) {
     QList<QString> keys;
     const QMap<QString, QString> values = parserParamEqualString(paramText, QStringLiteral(";"), keys);
-    // A layout lists keys with the separator written before each; a key missing from the
-    // parameter text is left out together with its separator (the short forms).
-    struct Item {
-        const char* separator;
-        QStringList keys;  // first key present wins
-    };
-    auto print = [&values](const QString& mark, std::initializer_list<Item> layout) {
-        QString text = mark;
-        for (const Item& item : layout) {
-            for (const QString& key : item.keys) {
+    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(sectionType);
+    QString name = weldingSteelMark(sectionType, ribFlag);
+    if (row && *row->nameLayout) {
+        // Each item: the separator written before the value, then the keys it may be given by (the
+        // first present wins); a key missing from the text is left out with its separator.
+        for (const QString& item : QString::fromLatin1(row->nameLayout).split(QLatin1Char(' '))) {
+            const int colon = item.indexOf(QLatin1Char(':'));
+            for (const QString& key : item.mid(colon + 1).split(QLatin1Char('|'))) {
                 if (!values.contains(key)) continue;
-                text += QString::fromLatin1(item.separator) + values.value(key);
+                name += item.left(colon) + values.value(key);
                 break;
             }
         }
-        return text;
-    };
-    const QString mark = weldingSteelMark(sectionType, ribFlag);
-    QString name;
-    switch (sectionType) {
-    case stWeldedH:
-        name = print(mark, {{"", {"h"}}, {"*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedHUnequal:
-        name = print(mark, {{"", {"h"}}, {"*", {"b1"}}, {"/", {"b2"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedBox:
-        name = print(mark, {{"", {"b1"}}, {"*", {"b2"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedPipe:
-        name = print(mark, {{"", {"d", "D"}}, {"*", {"t"}}});
-        break;
-    case stWeldedCross:
-        name = print(mark, {{"", {"h1"}}, {"*", {"b1"}}, {"*", {"tw1"}}, {"*", {"t1"}}, {"*", {"t2"}},
-                            {"+H", {"h2"}}, {"*", {"b2"}}, {"*", {"tw2"}}, {"*", {"t3"}}, {"*", {"t4"}}});
-        break;
-    case stWeldedT:
-        name = print(mark, {{"", {"h"}}, {"*", {"b"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedTaperedH:
-        name = print(mark, {{"(", {"h1"}}, {"~", {"h2"}}, {")*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedD:
-        name = print(mark, {{"", {"R1"}}, {"~", {"R2"}}, {"*", {"t"}}});
-        break;
-    case stWeldedBB:
-        name = print(mark, {{"", {"B1"}}, {"*", {"B2"}}, {"*", {"b1"}}, {"*", {"b2"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedHVariant:
-        name = print(mark, {{"", {"h1"}}, {"/", {"h2"}}, {"*", {"b"}}, {"*", {"tw"}}, {"*", {"t1"}}, {"*", {"t2"}}});
-        break;
-    case stWeldedTY:
-        name = print(mark, {{"", {"R1"}}, {"*", {"R2"}}, {"*", {"r1"}}, {"*", {"r2"}}, {"*", {"t"}}});
-        break;
-    case stBoltBall:
-        name = print(mark, {{"", {"D", "d"}}});
-        break;
-    case stWeldBall:
-        name = print(mark, {{"", {"D", "d"}}, {"*", {"t"}}});
-        break;
-    default: {
-        // Types without a welded mark: their values in the order given, joined by "*".
+    } else {
+        // Types without a layout: their values in the order given, joined by "*".
         QStringList written;
         for (const QString& key : keys) written << values.value(key);
-        name = mark + written.join(QLatin1Char('*'));
-        break;
-    }
+        name += written.join(QLatin1Char('*'));
     }
     name.remove(QLatin1Char('('));
     name.remove(QLatin1Char('['));
