@@ -12,6 +12,7 @@
 #include "ndp/NDPContentSeal.h"
 #include "ndp/NDPDatabase.h"
 #include "section_geometry/SKRSectionOutline.h"
+#include "section_spec/SKRSectionTypeTable.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -223,6 +224,18 @@ private:
             const int polyId = integerCell(csv, row, "PolyID");
             if (!defaults.contains(polyId))
                 throw Failure(QStringLiteral("%1: section type %2 has no parameters").arg(csv.where(row)).arg(polyId));
+            // The sources describe the types of the section-type table, with its groups and codes.
+            const skr::section::SKRSectionTypeDescriptor* type = skr::section::sectionTypeDescriptor(polyId);
+            if (!type)
+                throw Failure(QStringLiteral("%1: section type %2 is not a type of the section model").arg(csv.where(row)).arg(polyId));
+            if (integerCell(csv, row, "GroupID") != type->group)
+                throw Failure(QStringLiteral("%1: section type %2 belongs to group %3").arg(csv.where(row)).arg(polyId).arg(type->group));
+            const QStringList codes = skr::section::sectionTypeParamCodes(polyId);
+            const QStringList listed = defaults[polyId].keys();
+            if (QSet<QString>(codes.begin(), codes.end()) != QSet<QString>(listed.begin(), listed.end()))
+                throw Failure(QStringLiteral("section_params.csv: section type %1 has parameters %2, the section model %3")
+                                  .arg(polyId)
+                                  .arg(listed.join(QLatin1Char(',')), codes.join(QLatin1Char(','))));
             QString outline;
             QString reason;
             if (!skr::geometry::sectionOutlineText(polyId, defaults[polyId], outline, &reason))
@@ -238,6 +251,9 @@ private:
             for (int row = 0; row < csv.rowCount() && !listed; ++row) listed = integerCell(csv, row, "PolyID") == it.key();
             if (!listed) throw Failure(QStringLiteral("section_params.csv: section type %1 is not in section_types.csv").arg(it.key()));
         }
+        for (const skr::section::SKRSectionTypeDescriptor& type : skr::section::sectionTypeTable())
+            if (!defaults.contains(type.type))
+                throw Failure(QStringLiteral("section_types.csv: section type %1 of the section model is missing").arg(type.type));
         progress(QStringLiteral("SKRSectionPolyDB.KDB: SectionPoly, %1 rows").arg(csv.rowCount()));
     }
 

@@ -4,6 +4,7 @@
 #include "section_spec/SKRSectionParams.h"
 #include "section_spec/GSectionPolyInfo.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_spec/SKRSectionTypeTable.h"
 
 #include <gtest/gtest.h>
 
@@ -135,5 +136,41 @@ TEST(SectionParams, UnknownTypesMissingOrSurplusValuesAreRefused) {
         EXPECT_FALSE(sectionParamsByCode(info, params, &error));
         EXPECT_FALSE(error.isEmpty());
         EXPECT_EQ(params, untouched);
+    }
+}
+
+// Every type of the section-type table printed from distinct values reads back as the same type
+// with the same values under the same codes: the table's codes, layouts and completion rules agree.
+TEST(SectionParams, EveryTypePrintedFromItsCodesParsesBackToThem) {
+    for (const SKRSectionTypeDescriptor& row : sectionTypeTable()) {
+        if (row.catalogueNamed) continue;  // named by the catalogue, not by dimensions
+        const QStringList codes = sectionTypeParamCodes(row.type);
+        // Values that every norm accepts: larger ones first in the layout's usual order of sizes.
+        Params values;
+        QStringList pieces;
+        for (int i = 0; i < codes.size(); ++i) {
+            const QString& code = codes[i];
+            if (row.catalogueRadii && code.startsWith(QLatin1Char('r'))) continue;  // radii: catalogue only
+            const bool thickness = code.startsWith(QLatin1Char('t')) || code == QLatin1String("d") ||
+                                   code == QLatin1String("c");
+            double value = thickness ? 6 + i : 300 - 10 * i;
+            if (row.type == stEqualAngle || row.type == stUnequalAngle || row.type == stRoundBar) value = 100 - 10 * i;
+            values.insert(code, value);
+            pieces << code + QLatin1Char('=') + QString::number(value);
+        }
+        QString name = SKRSectionPolyInfoParser::parseStandardName(row.type, 0, pieces.join(QLatin1Char(';')));
+        if (!*row.nameLayout) {  // written as the code and the dimensions
+            QStringList dimensions;
+            for (const QString& code : codes)
+                if (values.contains(code)) dimensions << QString::number(values.value(code));
+            name = QString::fromUtf8(row.codes).section(QLatin1Char(','), 0, 0) + dimensions.join(QLatin1Char('*'));
+        }
+        const GSectionPolyInfo info = parsed(name);
+        SCOPED_TRACE(name.toStdString());
+        EXPECT_EQ(info.sectionType, row.type);
+        EXPECT_EQ(info.groupType, row.group);
+        Params back;
+        ASSERT_TRUE(sectionParamsByCode(info, back));
+        EXPECT_EQ(describe(back), describe(values));
     }
 }
