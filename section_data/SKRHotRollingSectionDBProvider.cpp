@@ -1,6 +1,8 @@
 // The system and user hot-rolled section providers.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
+#include "section_data/SKRQueryText.h"
+
 #include "section_data/SKRDatabaseError.h"
 
 #include "ndp/NDPDBRecord.h"
@@ -137,17 +139,11 @@ std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::readAll(const 
 }
 
 std::wstring SKRHotRollingSectionDBProvider::sameStringQuery(const std::wstring& name) const {
-    static const std::wstring kOpen = L"SameString(";
-    std::wstring query;
-    query.reserve(kOpen.size() + m_nameField.size() + name.size() + 4);
-    query.append(kOpen).append(m_nameField).append(L",\"").append(name).append(L"\")");
-    return query;
+    return skr::section::query::sameString(m_nameField, name);
 }
 
 std::wstring SKRHotRollingSectionDBProvider::keyQuery(int sectionType, int subId) const {
-    std::wstring query = m_firstKeyField + L" == " + std::to_wstring(sectionType);
-    if (!m_secondKeyField.empty()) query += L" && " + m_secondKeyField + L" == " + std::to_wstring(subId);
-    return query;
+    return skr::section::query::keyFieldsEqual(m_firstKeyField, sectionType, m_secondKeyField, subId);
 }
 
 SKRHotRollingLookup SKRHotRollingSectionDBProvider::findByKeys(int sectionType, int subId) {
@@ -246,9 +242,7 @@ bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSectio
 
 bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subId) {
     if (!m_pTable) return false;
-    // The "%s==%d && %s==%d" form, without blanks around "==".
-    const std::wstring query = m_firstKeyField + L"==" + std::to_wstring(sectionType) + L" && " + m_secondKeyField +
-                               L"==" + std::to_wstring(subId);
+    const std::wstring query = skr::section::query::fieldsEqual(m_firstKeyField, sectionType, m_secondKeyField, subId);
     beginWrite(m_pTable);
     const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;

@@ -1,5 +1,7 @@
 // SKRSectionDbOperation: custom polygon sections added, updated, removed and read by ID.
 #include "section_data/SKRSectionDbOperation.h"
+
+#include "section_data/SKRQueryText.h"
 #include "section_data/SKRDatabaseError.h"
 
 #include "ndp/NDPDBRecord.h"
@@ -28,8 +30,7 @@ int fieldIndex(ndp::CDBTable* table, const wchar_t* name) {
 QString customSectionText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面"); }
 QString customSectionTypeText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面类型"); }
 
-// The "%s==%d" form on "ID".
-std::wstring idQuery(int id) { return L"ID==" + std::to_wstring(id); }
+std::wstring idQuery(int id) { return skr::section::query::fieldEquals(L"ID", id); }
 
 // The fields an update rewrites; an add writes them too.
 void writeEditableFields(ndp::CDBTable* table, ndp::CDBRecord* record, const SKRCustomPolyInfo& info) {

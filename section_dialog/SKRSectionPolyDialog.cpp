@@ -1,6 +1,7 @@
 // The section library dialog.
 #include "section_dialog/SKRSectionPolyDialog.h"
 
+#include "section_data/SKRQueryText.h"
 #include "section_data/SKRDatabaseError.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
@@ -388,7 +389,7 @@ void SKRSectionPolyDialog::showBallParamWidget() {
     m_pBallCombo->clear();
     m_oBallRibFlags.clear();
     ndp::CFileAddressList found;
-    const std::wstring query = QString::asprintf("%s==%d", "PolyID", m_pParamManager->sectionType()).toStdWString();
+    const std::wstring query = skr::section::query::fieldEquals(L"PolyID", m_pParamManager->sectionType());
     if (m_pBallTable && m_pBallTable->Query(query, found)) {
         for (int i = 0; i < found.GetCount(); ++i) {
             const VMPDBRecord row(m_pBallTable, found.GetItem(i));

@@ -39,10 +39,12 @@ CuttingPlaneRecord fromRecord(const ndp::CDBRecord& r, const Fields& f) {
     return p;
 }
 
-// Addresses of the rows whose field equals key (every row for a negative key).
+// Addresses of the rows whose integer field equals key (every row for a negative key), by the
+// field's index rather than a query text.
 bool rows(ndp::CDBTable* table, const wchar_t* field, std::int64_t key, ndp::CFileAddressList& found) {
     if (key < 0) return table->ListAll(found);
-    return table->Query(std::wstring(field) + L"==" + std::to_wstring(key), found);
+    const int index = table->FindField(field);
+    return index >= 0 && table->Search(index, key, found);
 }
 
 }  // namespace
