@@ -30,23 +30,28 @@ SKRHotRollingLookup SKRPerMetreLookup::readOrExplain(SKRHotRollingSectionDBProvi
     }
 }
 
-// The host asks this for quantities and must not fail: a failed read is logged and finds nothing.
-SKRHotRollingLookup SKRPerMetreLookup::findSection(const QString& norm) {
+SKRHotRollingLookup SKRPerMetreLookup::findSection(const QString& norm, QString* error) {
     try {
         return lookUp(norm);
     } catch (const std::exception& failure) {
-        qWarning("%s", failure.what());
+        if (error) *error = QString::fromLocal8Bit(failure.what());
     }
     return {false, SKRHotRollingSection()};
 }
 
+// The host asks these for quantities and has no channel for a failure: it gets 0, and the reason
+// goes to the log.
 double SKRPerMetreLookup::weightPerMetre(const QString& norm) {
-    const SKRHotRollingLookup found = findSection(norm);
+    QString error;
+    const SKRHotRollingLookup found = findSection(norm, &error);
+    if (!error.isEmpty()) qWarning("%s", qUtf8Printable(error));
     return found.first ? found.second.weightMeter : 0.0;
 }
 
 double SKRPerMetreLookup::surfacePerMetre(const QString& norm) {
-    const SKRHotRollingLookup found = findSection(norm);
+    QString error;
+    const SKRHotRollingLookup found = findSection(norm, &error);
+    if (!error.isEmpty()) qWarning("%s", qUtf8Printable(error));
     return found.first ? found.second.area : 0.0;
 }
 

@@ -18,8 +18,8 @@ public:
     static double weightPerMetre(const QString& norm);   // kg/m
     static double surfacePerMetre(const QString& norm);  // m2/m
     // The catalogue row of that exact name: a user section first, then a shipped one; not found
-    // when neither has it, a provider is absent or the row cannot be read (then logged).
-    static SKRHotRollingLookup findSection(const QString& norm);
+    // when neither has it, a provider is absent or the row cannot be read (then error says why).
+    static SKRHotRollingLookup findSection(const QString& norm, QString* error = nullptr);
     // The same, but a row or database that cannot be read throws SKRDatabaseError with one line
     // naming the file.
     static SKRHotRollingLookup lookUp(const QString& norm);

@@ -452,8 +452,10 @@ void SKRSectionPolyDialog::setParameter(const GSectionPolyInfo& info) {
     if (isCatalogueType(info.sectionType)) {
         m_pFilterEdit->clear();
         showHotRollWidget(cell);
-        const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name);
+        QString error;
+        const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name, &error);
         if (row.first) selectCatalogueRow(QString::fromStdWString(row.second.standardName));
+        if (!error.isEmpty()) VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"), error);
         return;
     }
     if (!m_pParamManager->setSpecification(info.name)) m_pParamManager->setSectionType(info.sectionType);
@@ -537,7 +539,9 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::defaultSectionInfo
     if (!ensureRepository(model)) return BXQSelSectionInfo();
     SKRPolyParamManger manager;
     manager.setSectionType(stI);
-    manager.matchCatalogueRow();
+    // A static entry point of the host without an error channel: the reason goes to the log.
+    QString error;
+    if (!manager.matchCatalogueRow(&error) && !error.isEmpty()) qWarning("%s", qUtf8Printable(error));
     return sectionInfoOf(manager);
 }
 
@@ -549,7 +553,10 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(cons
     const QStringList point = manager.insertPoint().split(QLatin1Char(','));
     info.insertPointX = point.value(0).toDouble();
     info.insertPointY = point.value(1).toDouble();
-    const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.specification);
+    QString error;
+    const skr::section::SKRHotRollingLookup row =
+        skr::section::SKRPerMetreLookup::findSection(info.specification, &error);
+    if (!error.isEmpty()) qWarning("%s", qUtf8Printable(error));  // no error channel in the result
     if (row.first) {
         info.weightPerMetre = row.second.weightMeter;
         info.surfacePerMetre = row.second.area;

@@ -1,6 +1,7 @@
 // The outline of a section specification text, with catalogue radii where the catalogue has them.
 #include "section_geometry/SKRSpecificationOutline.h"
 
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_spec/SKRSectionParams.h"
@@ -18,11 +19,12 @@ bool hasCatalogueRadii(int sectionType) {
     return row && row->catalogueRadii;
 }
 
-section::SKRHotRollingLookup catalogueRow(const QString& name) {
+section::SKRHotRollingLookup catalogueRow(const QString& name, QString* error) {
+    auto* catalogue = util::FetchInstance<section::SKRHotRollingSectionDBProvider>();
     try {
-        if (auto* catalogue = util::FetchInstance<section::SKRHotRollingSectionDBProvider>())
-            return catalogue->findByName(name.toStdWString());
-    } catch (const std::exception&) {
+        if (catalogue) return catalogue->findByName(name.toStdWString());
+    } catch (const std::exception& failure) {
+        *error = section::failureText(catalogue->table(), failure);
     }
     return {false, section::SKRHotRollingSection()};
 }
@@ -43,7 +45,11 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
         return false;
     }
     QMap<QString, double> params;
-    const section::SKRHotRollingLookup row = catalogueRow(info.name);
+    const section::SKRHotRollingLookup row = catalogueRow(info.name, &reason);
+    if (!reason.isEmpty()) {
+        if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
+        return false;
+    }
     if (row.first && row.second.sectionType == info.sectionType) {
         QMap<QString, double> dimensions;
         for (const auto& param : row.second.params) dimensions.insert(QString::fromStdWString(param.first), param.second);

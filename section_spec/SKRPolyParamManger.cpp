@@ -4,6 +4,7 @@
 #include "section_spec/SKRRangeRule.h"
 
 #include "ndp/NDPTolerance.h"
+#include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_spec/SKRSectionParams.h"
@@ -105,14 +106,17 @@ bool SKRPolyParamManger::setCatalogueSection(const SKRHotRollingSection& row) {
     return true;
 }
 
-bool SKRPolyParamManger::matchCatalogueRow() {
+bool SKRPolyParamManger::matchCatalogueRow() { return matchCatalogueRow(nullptr); }
+
+bool SKRPolyParamManger::matchCatalogueRow(QString* error) {
     auto* catalogue = FetchInstance<skr::section::SKRHotRollingSectionDBProvider>();
     if (!catalogue) return false;
     const QMap<QString, double> values = numericValues();
     std::vector<SKRHotRollingSection> rows;
     try {
         rows = catalogue->listByType(m_iSectionType);
-    } catch (const std::exception&) {
+    } catch (const std::exception& failure) {
+        if (error) *error = skr::section::failureText(catalogue->table(), failure);
         return false;
     }
     for (const SKRHotRollingSection& row : rows) {
@@ -132,8 +136,10 @@ bool SKRPolyParamManger::setSpecification(const QString& text) {
     parser.parser(text);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
     if (info.sectionType <= 0) return false;
-    const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name);
+    QString unread;
+    const skr::section::SKRHotRollingLookup row = skr::section::SKRPerMetreLookup::findSection(info.name, &unread);
     if (row.first) return setCatalogueSection(row.second);
+    if (!unread.isEmpty()) return false;  // whether it is a catalogue row is unknown: take nothing
     QMap<QString, double> values;
     if (!skr::section::sectionParamsByCode(info, values) || !setSectionType(info.sectionType)) return false;
     for (int i = 0; i < m_oParams.size(); ++i)

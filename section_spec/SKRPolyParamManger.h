@@ -44,6 +44,8 @@ public:
     // Positions on the shipped catalogue row of the type whose dimensions are the current values
     // (type 1 at its defaults is I20a); false, changing nothing, when none is.
     bool matchCatalogueRow();
+    // The same; a catalogue that cannot be read also answers false, with the reason in error.
+    bool matchCatalogueRow(QString* error);
     // Positions on a specification text: a catalogue name selects its row, anything else its type
     // with the text's values. False, changing nothing, for a text that is no known section.
     bool setSpecification(const QString& text);

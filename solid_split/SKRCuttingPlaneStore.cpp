@@ -39,14 +39,12 @@ CuttingPlaneRecord fromRecord(const ndp::CDBRecord& r, const Fields& f) {
     return p;
 }
 
-// Addresses of the rows whose integer field equals key (every row for a negative key), by the
-// field's index rather than a query text.
+// Addresses of the rows whose field equals key (every row for a negative key). A query rather
+// than the field-index search, which answers false alike for no row and a failed read.
 bool rows(ndp::CDBTable* table, const wchar_t* field, std::int64_t key, ndp::CFileAddressList& found) {
     if (key < 0) return table->ListAll(found);
-    const int index = table->FindField(field);
-    return index >= 0 && table->Search(index, key, found);
+    return table->Query(std::wstring(field) + L"==" + std::to_wstring(key), found);
 }
-
 }  // namespace
 
 bool ReadCuttingPlaneRecords(ndp::CDatabase* database, std::int64_t elementId, std::vector<CuttingPlaneRecord>& records,
