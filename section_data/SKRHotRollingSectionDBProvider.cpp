@@ -1,6 +1,7 @@
 // The system and user hot-rolled section providers.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
+#include "section_data/SKRProjectSchema.h"
 #include "section_data/SKRQueryText.h"
 
 #include "section_data/SKRDatabaseError.h"
@@ -183,8 +184,8 @@ std::vector<SKRHotRollingSection> SKRHotRollingSectionDBProvider::listAll() {
 
 SKRUserHotRollingSectionDBProvider::SKRUserHotRollingSectionDBProvider(ndp::CDBTable* table)
     : SKRHotRollingSectionDBProvider(table) {
-    m_firstKeyField = L"SectionType";
-    m_secondKeyField = L"SubID";
+    m_firstKeyField = schema::user_section::sectionType;
+    m_secondKeyField = schema::user_section::subId;
 }
 
 SKRUserHotRollingSectionDBProvider::~SKRUserHotRollingSectionDBProvider() = default;
@@ -192,7 +193,7 @@ SKRUserHotRollingSectionDBProvider::~SKRUserHotRollingSectionDBProvider() = defa
 SKRHotRollingSection SKRUserHotRollingSectionDBProvider::fromRecord(ndp::CDBRecord* record) {
     SKRHotRollingSection section = readLeadingFields(record);
     // "SectionParam": name=value items joined by ";" (a trailing ";" is accepted).
-    const QString text = QString::fromStdWString(readText(record, L"SectionParam"));
+    const QString text = QString::fromStdWString(readText(record, schema::user_section::params));
     for (const QString& item : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const QString name = item.section(QLatin1Char('='), 0, 0);
         const QString value = item.section(QLatin1Char('='), 1, 1);
@@ -215,7 +216,7 @@ bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& 
     ref.get()->SetString(fieldIndex(m_pTable, m_nameField), section.standardName);
     ref.get()->SetDouble(fieldIndex(m_pTable, L"WeightMeter"), section.weightMeter);
     ref.get()->SetDouble(fieldIndex(m_pTable, L"AreaVal"), section.area);
-    ref.get()->SetString(fieldIndex(m_pTable, L"SectionParam"), params);
+    ref.get()->SetString(fieldIndex(m_pTable, schema::user_section::params), params);
     const bool added = m_pTable->AddRecord(ref.get()) != ndp::kNullAddress;
     failed.check();
     return added;

@@ -1,5 +1,6 @@
 // SKRSectionDbOperation: custom polygon sections added, updated, removed and read by ID.
 #include "section_data/SKRSectionDbOperation.h"
+#include "section_data/SKRProjectSchema.h"
 
 #include "section_data/SKRQueryText.h"
 #include "section_data/SKRDatabaseError.h"
@@ -30,25 +31,25 @@ int fieldIndex(ndp::CDBTable* table, const wchar_t* name) {
 QString customSectionText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面"); }
 QString customSectionTypeText() { return QCoreApplication::translate("SKRSectionDbOperation", "自定义截面类型"); }
 
-std::wstring idQuery(int id) { return skr::section::query::fieldEquals(L"ID", id); }
+std::wstring idQuery(int id) { return skr::section::query::fieldEquals(skr::section::schema::custom_poly::id, id); }
 
 // The fields an update rewrites; an add writes them too.
 void writeEditableFields(ndp::CDBTable* table, ndp::CDBRecord* record, const SKRCustomPolyInfo& info) {
-    record->SetString(fieldIndex(table, L"Description"), info.description.toStdWString());
-    record->SetString(fieldIndex(table, L"HorzSpace"), info.horzSpace.toStdWString());
-    record->SetString(fieldIndex(table, L"VertSpace"), info.vertSpace.toStdWString());
-    record->SetDouble(fieldIndex(table, L"InsertPointX"), info.insertPointX);
-    record->SetDouble(fieldIndex(table, L"InsertPointY"), info.insertPointY);
-    record->SetPolygon(fieldIndex(table, L"PolyData"), info.polygon ? *info.polygon : ndp::CPolygon());
-    record->SetBytes(fieldIndex(table, L"VectorDrawingInfo"), info.vectorDrawingInfo);
+    record->SetString(fieldIndex(table, skr::section::schema::custom_poly::description), info.description.toStdWString());
+    record->SetString(fieldIndex(table, skr::section::schema::custom_poly::horzSpace), info.horzSpace.toStdWString());
+    record->SetString(fieldIndex(table, skr::section::schema::custom_poly::vertSpace), info.vertSpace.toStdWString());
+    record->SetDouble(fieldIndex(table, skr::section::schema::custom_poly::insertPointX), info.insertPointX);
+    record->SetDouble(fieldIndex(table, skr::section::schema::custom_poly::insertPointY), info.insertPointY);
+    record->SetPolygon(fieldIndex(table, skr::section::schema::custom_poly::polyData), info.polygon ? *info.polygon : ndp::CPolygon());
+    record->SetBytes(fieldIndex(table, skr::section::schema::custom_poly::drawing), info.vectorDrawingInfo);
 }
 
 }  // namespace
 
 SKRSectionDbOperation::SKRSectionDbOperation(ndp::CDatabase* db)
     : m_pDatabase(db),
-      m_pCustomPoly(db ? db->GetTable(L"CustomPoly") : nullptr),
-      m_pCustomPolyType(db ? db->GetTable(L"CustomPolyType") : nullptr) {
+      m_pCustomPoly(db ? db->GetTable(skr::section::schema::custom_poly::table) : nullptr),
+      m_pCustomPolyType(db ? db->GetTable(skr::section::schema::custom_poly_type::table) : nullptr) {
     if (!m_pDatabase || !m_pCustomPoly || !m_pCustomPolyType) throw std::invalid_argument(kCannotAccept);
 }
 
@@ -59,7 +60,7 @@ int SKRSectionDbOperation::nextId(ndp::CDBTable* table) const {
     int last = 0;
     if (table->ListAll(all) && all.GetCount() > 0) {
         ndp::CRef<ndp::CDBRecord> ref(table->GetRecord(all.GetItem(all.GetCount() - 1)));
-        last = ref.get() ? ref.get()->GetInt(fieldIndex(table, L"ID"), -1) : -1;
+        last = ref.get() ? ref.get()->GetInt(fieldIndex(table, skr::section::schema::custom_poly_type::id), -1) : -1;
     }
     failed.check();
     return last + 1;
@@ -71,8 +72,8 @@ bool SKRSectionDbOperation::addCustomPoly(SKRCustomPolyInfo& info) {
     bool written;
     {
         ndp::CRef<ndp::CDBRecord> type(m_pCustomPolyType->CreateRecord());
-        type.get()->SetInt(fieldIndex(m_pCustomPolyType, L"ID"), typeId);
-        type.get()->SetString(fieldIndex(m_pCustomPolyType, L"Description"), customSectionTypeText().toStdWString());
+        type.get()->SetInt(fieldIndex(m_pCustomPolyType, skr::section::schema::custom_poly_type::id), typeId);
+        type.get()->SetString(fieldIndex(m_pCustomPolyType, skr::section::schema::custom_poly_type::description), customSectionTypeText().toStdWString());
         written = m_pCustomPolyType->AddRecord(type.get()) != ndp::kNullAddress;
     }
     written = m_pDatabase->Flush() && written;
@@ -81,10 +82,10 @@ bool SKRSectionDbOperation::addCustomPoly(SKRCustomPolyInfo& info) {
     info.description = customSectionText() + QString::number(info.id);
 
     ndp::CRef<ndp::CDBRecord> poly(m_pCustomPoly->CreateRecord());
-    poly.get()->SetInt(fieldIndex(m_pCustomPoly, L"ID"), info.id);
-    poly.get()->SetInt(fieldIndex(m_pCustomPoly, L"CustomPolyTypeID"), typeId);
+    poly.get()->SetInt(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::id), info.id);
+    poly.get()->SetInt(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::typeId), typeId);
     writeEditableFields(m_pCustomPoly, poly.get(), info);
-    poly.get()->SetString(fieldIndex(m_pCustomPoly, L"TypeName"), customSectionTypeText().toStdWString());
+    poly.get()->SetString(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::typeName), customSectionTypeText().toStdWString());
     written = m_pCustomPoly->AddRecord(poly.get()) != ndp::kNullAddress && written;
     return m_pDatabase->Flush() && written;
 }
@@ -107,7 +108,7 @@ bool SKRSectionDbOperation::updateCustomPoly(const SKRCustomPolyInfo& info) {
 bool SKRSectionDbOperation::removeCustomPoly(int id) {
     const skr::section::SKRDatabaseCheck failed(m_pCustomPoly);
     ndp::CFileAddressList found;
-    m_pCustomPoly->Search(fieldIndex(m_pCustomPoly, L"ID"), id, found);
+    m_pCustomPoly->Search(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::id), id, found);
     failed.check();
     bool removed = false;
     for (int i = 0; i < found.GetCount(); ++i) removed = m_pCustomPoly->DeleteRecord(found.GetItem(i)) || removed;
@@ -139,7 +140,7 @@ bool SKRSectionDbOperation::readById(int id, bool withDrawing, SKRCustomPolyInfo
     ndp::CDBRecord* record = ref.get();
 
     ndp::CPolygon outline;
-    const int polyData = fieldIndex(m_pCustomPoly, L"PolyData");
+    const int polyData = fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::polyData);
     QString why;
     if (!record->IsNull(polyData) && !ndp::CPolygon::FromBytes(record->GetBytes(polyData), outline, &why)) {
         if (error) *error = QStringLiteral("custom polygon %1: the outline is unreadable: %2").arg(id).arg(why);
@@ -147,13 +148,13 @@ bool SKRSectionDbOperation::readById(int id, bool withDrawing, SKRCustomPolyInfo
     }
 
     SKRCustomPolyInfo read;
-    read.id = record->GetInt(fieldIndex(m_pCustomPoly, L"ID"));
-    read.description = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"Description")));
-    read.insertPointX = record->GetDouble(fieldIndex(m_pCustomPoly, L"InsertPointX"));
-    read.insertPointY = record->GetDouble(fieldIndex(m_pCustomPoly, L"InsertPointY"));
-    read.horzSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"HorzSpace")));
-    read.vertSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, L"VertSpace")));
-    if (withDrawing) read.vectorDrawingInfo = record->GetBytes(fieldIndex(m_pCustomPoly, L"VectorDrawingInfo"));
+    read.id = record->GetInt(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::id));
+    read.description = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::description)));
+    read.insertPointX = record->GetDouble(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::insertPointX));
+    read.insertPointY = record->GetDouble(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::insertPointY));
+    read.horzSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::horzSpace)));
+    read.vertSpace = QString::fromStdWString(record->GetString(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::vertSpace)));
+    if (withDrawing) read.vectorDrawingInfo = record->GetBytes(fieldIndex(m_pCustomPoly, skr::section::schema::custom_poly::drawing));
     polygon = std::move(outline);
     read.polygon = &polygon;
     info = std::move(read);

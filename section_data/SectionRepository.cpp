@@ -1,5 +1,6 @@
 // SectionRepository and the data-side start-up and shut-down.
 #include "section_data/SectionRepository.h"
+#include "section_data/SKRProjectSchema.h"
 
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SectionSchemeProvider.h"
@@ -43,7 +44,7 @@ void SectionRepository::RegSectionPolyDB(ndp::CDatabase* db) {
 void SectionRepository::RegProjectDB(ndp::CDatabase* db) {
     if (!db) return;
     m_pProjectDB = db;
-    if (ndp::CDBTable* table = db->GetTable(L"CustomHotRolledSection")) {
+    if (ndp::CDBTable* table = db->GetTable(schema::user_section::table)) {
         auto* provider = new SKRUserHotRollingSectionDBProvider(table);
         if (!RegisterInstance(provider)) delete provider;
     }

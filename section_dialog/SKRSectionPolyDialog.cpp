@@ -1,5 +1,6 @@
 // The section library dialog.
 #include "section_dialog/SKRSectionPolyDialog.h"
+#include "section_data/SKRProjectSchema.h"
 
 #include "section_data/SKRQueryText.h"
 #include "section_data/SKRDatabaseError.h"
@@ -182,10 +183,10 @@ QWidget* SKRSectionPolyDialog::createLeftWidget() {
 void SKRSectionPolyDialog::readCustomSections() {
     m_oCustomPolygons.clear();
     ndp::CDatabase* project = m_pModel ? m_pModel->getProjectDB() : nullptr;
-    ndp::CDBTable* table = project ? project->GetTable(L"CustomPoly") : nullptr;
+    ndp::CDBTable* table = project ? project->GetTable(skr::section::schema::custom_poly::table) : nullptr;
     ndp::CFileAddressList all;
     if (!table || !table->ListAll(all)) return;
-    const int polyData = table->FindField(L"PolyData");
+    const int polyData = table->FindField(skr::section::schema::custom_poly::polyData);
     for (int i = 0; i < all.GetCount(); ++i) {
         const VMPDBRecord row(table, all.GetItem(i));
         ndp::CRef<ndp::CDBRecord> record(table->GetRecord(all.GetItem(i)));

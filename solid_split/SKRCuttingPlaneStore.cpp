@@ -1,5 +1,6 @@
 // "CuttingPlane" records as whole records.
 #include "solid_split/SKRCuttingPlaneStore.h"
+#include "vmp/VMPModelTables.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
@@ -14,12 +15,12 @@ namespace {
 struct Fields {
     int id, element, shape, tail, local, offset;
     explicit Fields(const ndp::CDBTable& t)
-        : id(t.FindField(L"ID")), element(t.FindField(L"EDOID")), shape(t.FindField(L"SNID")),
-          tail(t.FindField(L"IsTail")), local(t.FindField(L"LocalCoordinate")), offset(t.FindField(L"OffsetValue")) {}
+        : id(t.FindField(vmp_tables::cutting_plane::id)), element(t.FindField(vmp_tables::cutting_plane::element)), shape(t.FindField(vmp_tables::cutting_plane::solidShape)),
+          tail(t.FindField(vmp_tables::cutting_plane::isTail)), local(t.FindField(vmp_tables::cutting_plane::localCoordinate)), offset(t.FindField(vmp_tables::cutting_plane::offset)) {}
 };
 
 ndp::CDBTable* planeTable(ndp::CDatabase* database, QString* error) {
-    ndp::CDBTable* table = database ? database->GetTable(L"CuttingPlane") : nullptr;
+    ndp::CDBTable* table = database ? database->GetTable(vmp_tables::cutting_plane::table) : nullptr;
     if (!table && error && database) *error = QStringLiteral("%1 has no table CuttingPlane").arg(database->GetPath());
     return table;
 }
@@ -53,7 +54,7 @@ bool ReadCuttingPlaneRecords(ndp::CDatabase* database, std::int64_t elementId, s
     if (!table) return false;
     const Fields fields(*table);
     ndp::CFileAddressList found;
-    if (!rows(table, L"EDOID", elementId, found)) {
+    if (!rows(table, vmp_tables::cutting_plane::element, elementId, found)) {
         if (error) *error = failure(database, QStringLiteral("read the cutting planes"));
         return false;
     }
@@ -72,7 +73,7 @@ bool ReadCuttingPlaneRecords(ndp::CDatabase* database, std::int64_t elementId, s
 bool FindCuttingPlaneRecord(ndp::CDatabase* database, std::int64_t recordId, CuttingPlaneRecord& record) {
     ndp::CDBTable* table = planeTable(database, nullptr);
     ndp::CFileAddressList found;
-    if (!table || recordId < 0 || !rows(table, L"ID", recordId, found) || found.GetCount() == 0) return false;
+    if (!table || recordId < 0 || !rows(table, vmp_tables::cutting_plane::id, recordId, found) || found.GetCount() == 0) return false;
     const ndp::CRef<ndp::CDBRecord> row(table->GetRecord(found.GetItem(0)));
     if (!row) return false;
     record = fromRecord(*row, Fields(*table));
@@ -105,7 +106,7 @@ bool UpdateCuttingPlaneRecord(ndp::CDatabase* database, const CuttingPlaneRecord
     ndp::CDBTable* table = planeTable(database, error);
     ndp::CFileAddressList found;
     if (!table) return false;
-    if (!rows(table, L"ID", record.id, found) || found.GetCount() == 0) {
+    if (!rows(table, vmp_tables::cutting_plane::id, record.id, found) || found.GetCount() == 0) {
         if (error) *error = QStringLiteral("%1 has no cutting plane %2").arg(database->GetPath()).arg(record.id);
         return false;
     }
@@ -122,7 +123,7 @@ bool DeleteCuttingPlaneRecord(ndp::CDatabase* database, std::int64_t recordId, Q
     ndp::CDBTable* table = planeTable(database, error);
     ndp::CFileAddressList found;
     if (!table) return false;
-    if (!rows(table, L"ID", recordId, found) || found.GetCount() == 0) {
+    if (!rows(table, vmp_tables::cutting_plane::id, recordId, found) || found.GetCount() == 0) {
         if (error) *error = QStringLiteral("%1 has no cutting plane %2").arg(database->GetPath()).arg(recordId);
         return false;
     }

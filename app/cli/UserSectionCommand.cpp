@@ -5,6 +5,7 @@
 // code of letters, a size of digits, "." and "*", no blanks, and the mark "(ZDY)" at the end,
 // which add appends when it is not typed.
 #include "app/cli/BXQCommand.h"
+#include "section_data/SKRProjectSchema.h"
 #include "app/BXQDataSession.h"
 
 #include "section_data/SKRDatabaseError.h"
@@ -187,7 +188,7 @@ public:
         QString error;
         if (!open(false, &error)) return dataError(error);
         const auto sections =
-            BXQDataSession::allSections(m_session.projectDB()->GetTable(L"CustomHotRolledSection"), m_provider);
+            BXQDataSession::allSections(m_session.projectDB()->GetTable(skr::section::schema::user_section::table), m_provider);
         write(m_cli.isSet(QStringLiteral("json")) ? sectionJson(sections) : sectionLines(sections));
         return 0;
     }

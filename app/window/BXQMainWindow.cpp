@@ -1,5 +1,6 @@
 // The main window of bxq gui.
 #include "app/window/BXQMainWindow.h"
+#include "section_data/SKRProjectSchema.h"
 
 #include "app/cli/BXQCommand.h"
 #include "app/view/BXQModelScene.h"
@@ -263,7 +264,7 @@ void BXQMainWindow::refresh() {
                                                    isModified() ? QStringLiteral(" *") : QString()));
     m_pUserSections->setRowCount(0);
     ndp::CDatabase* project = m_session.projectDB();
-    ndp::CDBTable* table = project ? project->GetTable(L"CustomHotRolledSection") : nullptr;
+    ndp::CDBTable* table = project ? project->GetTable(skr::section::schema::user_section::table) : nullptr;
     if (!table) return;
     skr::section::SKRUserHotRollingSectionDBProvider reader(table);
     try {

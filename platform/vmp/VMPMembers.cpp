@@ -1,5 +1,6 @@
 // The "Member" table of a project and the element drawing objects of its rows.
 #include "vmp/VMPMembers.h"
+#include "vmp/VMPModelTables.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
@@ -25,9 +26,9 @@ QString noTable(ndp::CDatabase* database, const wchar_t* table) {
 struct MemberFields {
     int id, section, sx, sy, sz, ex, ey, ez, roll;
     explicit MemberFields(const ndp::CDBTable& t)
-        : id(t.FindField(L"ID")), section(t.FindField(L"Section")), sx(t.FindField(L"StartX")),
-          sy(t.FindField(L"StartY")), sz(t.FindField(L"StartZ")), ex(t.FindField(L"EndX")),
-          ey(t.FindField(L"EndY")), ez(t.FindField(L"EndZ")), roll(t.FindField(L"Roll")) {}
+        : id(t.FindField(vmp_tables::member::id)), section(t.FindField(vmp_tables::member::section)), sx(t.FindField(vmp_tables::member::startX)),
+          sy(t.FindField(vmp_tables::member::startY)), sz(t.FindField(vmp_tables::member::startZ)), ex(t.FindField(vmp_tables::member::endX)),
+          ey(t.FindField(vmp_tables::member::endY)), ez(t.FindField(vmp_tables::member::endZ)), roll(t.FindField(vmp_tables::member::roll)) {}
 };
 
 VMPMember fromRecord(const ndp::CDBRecord& r, const MemberFields& f) {
@@ -64,9 +65,9 @@ ndp::CoordinateSystem3 VMPMemberHeadFrame(const CVector3& start, const CVector3&
 }
 
 bool VMPReadMembers(ndp::CDatabase* database, std::vector<VMPMember>& members, QString* error) {
-    ndp::CDBTable* table = database ? database->GetTable(L"Member") : nullptr;
+    ndp::CDBTable* table = database ? database->GetTable(vmp_tables::member::table) : nullptr;
     if (!table) {
-        if (error && database) *error = noTable(database, L"Member");
+        if (error && database) *error = noTable(database, vmp_tables::member::table);
         return false;
     }
     const MemberFields fields(*table);
@@ -90,11 +91,11 @@ bool VMPReadMembers(ndp::CDatabase* database, std::vector<VMPMember>& members, Q
 }
 
 bool VMPReadMember(ndp::CDatabase* database, std::int64_t id, VMPMember& member, QString* error) {
-    ndp::CDBTable* table = database ? database->GetTable(L"Member") : nullptr;
+    ndp::CDBTable* table = database ? database->GetTable(vmp_tables::member::table) : nullptr;
     if (!table) return false;
     const MemberFields fields(*table);
     ndp::CFileAddressList rows;
-    if (!rowsOf(table, L"ID", id, rows, error) || rows.GetCount() == 0) return false;
+    if (!rowsOf(table, vmp_tables::member::id, id, rows, error) || rows.GetCount() == 0) return false;
     const ndp::CRef<ndp::CDBRecord> record(table->GetRecord(rows.GetItem(0)));
     if (!record) {
         if (error) *error = QStringLiteral("cannot read member %1 of %2").arg(id).arg(database->GetPath());
@@ -105,9 +106,9 @@ bool VMPReadMember(ndp::CDatabase* database, std::int64_t id, VMPMember& member,
 }
 
 bool VMPAddMember(ndp::CDatabase* database, VMPMember& member, QString* error) {
-    ndp::CDBTable* table = database ? database->GetTable(L"Member") : nullptr;
+    ndp::CDBTable* table = database ? database->GetTable(vmp_tables::member::table) : nullptr;
     if (!table) {
-        if (error && database) *error = noTable(database, L"Member");
+        if (error && database) *error = noTable(database, vmp_tables::member::table);
         return false;
     }
     const MemberFields f(*table);
@@ -132,20 +133,20 @@ bool VMPAddMember(ndp::CDatabase* database, VMPMember& member, QString* error) {
 }
 
 bool VMPRemoveMember(ndp::CDatabase* database, std::int64_t id, QString* error) {
-    ndp::CDBTable* table = database ? database->GetTable(L"Member") : nullptr;
+    ndp::CDBTable* table = database ? database->GetTable(vmp_tables::member::table) : nullptr;
     if (!table) {
-        if (error && database) *error = noTable(database, L"Member");
+        if (error && database) *error = noTable(database, vmp_tables::member::table);
         return false;
     }
     ndp::CFileAddressList rows;
-    if (!rowsOf(table, L"ID", id, rows, error)) return false;
+    if (!rowsOf(table, vmp_tables::member::id, id, rows, error)) return false;
     if (rows.GetCount() == 0) {
         if (error) *error = QStringLiteral("%1 has no member %2").arg(database->GetPath()).arg(id);
         return false;
     }
-    ndp::CDBTable* planes = database->GetTable(L"CuttingPlane");
+    ndp::CDBTable* planes = database->GetTable(vmp_tables::cutting_plane::table);
     ndp::CFileAddressList planeRows;
-    if (planes && !rowsOf(planes, L"EDOID", id, planeRows, error)) return false;
+    if (planes && !rowsOf(planes, vmp_tables::cutting_plane::element, id, planeRows, error)) return false;
     const auto fail = [&] {
         if (error) *error = QStringLiteral("cannot remove member %1 from %2: %3").arg(id).arg(database->GetPath(), database->GetLastError());
         return false;

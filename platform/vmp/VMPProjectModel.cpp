@@ -8,9 +8,8 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <mutex>
 
-using ndp::CDBField;
-using ndp::EnDBFieldKind;
 
 IVMPModel::~IVMPModel() = default;
 IVMPElementDrawObj* IVMPModel::getElementDrawObj(std::int64_t) { return nullptr; }
@@ -23,54 +22,77 @@ IVMPService::~IVMPService() = default;
 VMPProjectModel::VMPProjectModel() : m_database(std::make_unique<ndp::CDatabase>()) {}
 VMPProjectModel::~VMPProjectModel() = default;
 
-bool VMPProjectModel::createProjectTables(ndp::CDatabase* db) {
-    const std::pair<const wchar_t*, std::vector<CDBField>> tables[] = {
-        {L"CustomHotRolledSection",
-         {{L"SectionType", EnDBFieldKind::Int32, true},
-          {L"SubID", EnDBFieldKind::Int32, true},
-          {L"StandardName", EnDBFieldKind::Text, true},
-          {L"WeightMeter", EnDBFieldKind::Double},
-          {L"AreaVal", EnDBFieldKind::Double},
-          {L"SectionParam", EnDBFieldKind::Text}}},
-        {L"CustomPoly",
-         {{L"ID", EnDBFieldKind::Int32, true},
-          {L"Description", EnDBFieldKind::Text},
-          {L"CustomPolyTypeID", EnDBFieldKind::Int32},
-          {L"HorzSpace", EnDBFieldKind::Text},
-          {L"VertSpace", EnDBFieldKind::Text},
-          {L"InsertPointX", EnDBFieldKind::Double},
-          {L"InsertPointY", EnDBFieldKind::Double},
-          {L"PolyData", EnDBFieldKind::Polygon},
-          {L"VectorDrawingInfo", EnDBFieldKind::Stream},
-          {L"TypeName", EnDBFieldKind::Text}}},
-        {L"CustomPolyType", {{L"ID", EnDBFieldKind::Int32, true}, {L"Description", EnDBFieldKind::Text}}},
-        {L"CuttingPlane",
-         {{L"ID", EnDBFieldKind::Int64, true},
-          {L"EDOID", EnDBFieldKind::Int64, true},
-          {L"SNID", EnDBFieldKind::Int64},
-          {L"IsTail", EnDBFieldKind::Bool},
-          {L"LocalCoordinate", EnDBFieldKind::Coord3},
-          {L"OffsetValue", EnDBFieldKind::Double}}},
-        {L"Member",
-         {{L"ID", EnDBFieldKind::Int64, true},
-          {L"Section", EnDBFieldKind::Text},
-          {L"StartX", EnDBFieldKind::Double},
-          {L"StartY", EnDBFieldKind::Double},
-          {L"StartZ", EnDBFieldKind::Double},
-          {L"EndX", EnDBFieldKind::Double},
-          {L"EndY", EnDBFieldKind::Double},
-          {L"EndZ", EnDBFieldKind::Double},
-          {L"Roll", EnDBFieldKind::Double}}},
-        {L"SNSolidShape",
-         {{L"ID", EnDBFieldKind::Int64, true},
-          {L"TargetID", EnDBFieldKind::Int64, true},
-          {L"Type", EnDBFieldKind::Int32},
-          {L"Length", EnDBFieldKind::Double},
-          {L"LocalCoord", EnDBFieldKind::Coord3}}},
+namespace {
+
+std::mutex& pluginTablesLock() {
+    static std::mutex lock;
+    return lock;
+}
+
+std::vector<VMPTableDefinition>& pluginTables() {
+    static std::vector<VMPTableDefinition> tables;
+    return tables;
+}
+
+}  // namespace
+
+namespace vmp_tables {
+
+const std::vector<VMPTableDefinition>& modelTables() {
+    using namespace ndp;
+    static const std::vector<VMPTableDefinition> tables = {
+        {cutting_plane::table,
+         {{cutting_plane::id, EnDBFieldKind::Int64, true},
+          {cutting_plane::element, EnDBFieldKind::Int64, true},
+          {cutting_plane::solidShape, EnDBFieldKind::Int64},
+          {cutting_plane::isTail, EnDBFieldKind::Bool},
+          {cutting_plane::localCoordinate, EnDBFieldKind::Coord3},
+          {cutting_plane::offset, EnDBFieldKind::Double}}},
+        {member::table,
+         {{member::id, EnDBFieldKind::Int64, true},
+          {member::section, EnDBFieldKind::Text},
+          {member::startX, EnDBFieldKind::Double},
+          {member::startY, EnDBFieldKind::Double},
+          {member::startZ, EnDBFieldKind::Double},
+          {member::endX, EnDBFieldKind::Double},
+          {member::endY, EnDBFieldKind::Double},
+          {member::endZ, EnDBFieldKind::Double},
+          {member::roll, EnDBFieldKind::Double}}},
+        {solid_shape::table,
+         {{solid_shape::id, EnDBFieldKind::Int64, true},
+          {solid_shape::target, EnDBFieldKind::Int64, true},
+          {solid_shape::type, EnDBFieldKind::Int32},
+          {solid_shape::length, EnDBFieldKind::Double},
+          {solid_shape::localCoord, EnDBFieldKind::Coord3}}},
     };
-    for (const auto& table : tables)
-        if (!db->GetTable(table.first) && !db->CreateTable(table.first, table.second)) return false;
+    return tables;
+}
+
+bool createTables(ndp::CDatabase* database, const std::vector<VMPTableDefinition>& definitions) {
+    for (const VMPTableDefinition& table : definitions)
+        if (!database->GetTable(table.first) && !database->CreateTable(table.first, table.second)) return false;
     return true;
+}
+
+}  // namespace vmp_tables
+
+void VMPProjectModel::registerProjectTables(const std::vector<VMPTableDefinition>& tables) {
+    const std::lock_guard<std::mutex> hold(pluginTablesLock());
+    for (const VMPTableDefinition& table : tables) {
+        auto& registered = pluginTables();
+        const auto same = std::find_if(registered.begin(), registered.end(),
+                                       [&table](const VMPTableDefinition& t) { return t.first == table.first; });
+        if (same == registered.end()) registered.push_back(table);
+    }
+}
+
+bool VMPProjectModel::createProjectTables(ndp::CDatabase* db) {
+    std::vector<VMPTableDefinition> plugins;
+    {
+        const std::lock_guard<std::mutex> hold(pluginTablesLock());
+        plugins = pluginTables();
+    }
+    return vmp_tables::createTables(db, vmp_tables::modelTables()) && vmp_tables::createTables(db, plugins);
 }
 
 bool VMPProjectModel::open(const QString& path) {

@@ -5,6 +5,7 @@
 #include "PlatformGlobal.h"
 #include "vmp/IVMPModel.h"
 #include "vmp/VMPMembers.h"
+#include "vmp/VMPModelTables.h"
 
 #include <QString>
 
@@ -26,8 +27,11 @@ public:
     ndp::CDatabase* getProjectDB() override;
     bool isAutoCalculate() const override { return false; }
 
-    // Creates any project table the database lacks.
+    // Creates any project table the database lacks: the model's own and the plug-ins'.
     static bool createProjectTables(ndp::CDatabase* database);
+    // Tables a plug-in keeps in every project, created with the model's own whenever a project
+    // opens; a plug-in registers them as it is loaded. A table already registered stays as it is.
+    static void registerProjectTables(const std::vector<VMPTableDefinition>& tables);
 
     // Members are elements: looked up by id in the "Member" table, their solids built by the
     // factory the host sets.

@@ -1,6 +1,7 @@
 // The data verbs of bxq as a user runs them: catalogue, wpm and apm, user-section and face-steel
 // on small databases made here, their refusals and exit statuses, and the same verbs on the
 // shipped databases when this tree generates them.
+#include "section_data/SKRProjectSchema.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
 #include "ndp/NDPDBRecord.h"
@@ -123,7 +124,7 @@ void writePlates(const QString& path) {
 std::vector<SKRHotRollingSection> userSections(const QString& path) {
     ndp::CDatabase db;
     if (!db.Open(path, true)) return {};
-    ndp::CDBTable* table = db.GetTable(L"CustomHotRolledSection");
+    ndp::CDBTable* table = db.GetTable(skr::section::schema::user_section::table);
     skr::section::SKRUserHotRollingSectionDBProvider reader(table);
     std::vector<SKRHotRollingSection> sections;
     ndp::CFileAddressList all;
@@ -152,7 +153,7 @@ protected:
         VMPProjectModel model;
         ASSERT_TRUE(model.open(m_project));
         skr::section::SKRUserHotRollingSectionDBProvider provider(
-            model.getProjectDB()->GetTable(L"CustomHotRolledSection"));
+            model.getProjectDB()->GetTable(skr::section::schema::user_section::table));
         ASSERT_TRUE(provider.addSection(section));
         ASSERT_TRUE(model.save());
     }

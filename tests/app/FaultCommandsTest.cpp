@@ -2,6 +2,7 @@
 // by another program, no permission (as an ordinary user), a full disk, many writers at once.
 // A refused verb exits with 1, says in one line what went wrong and names the file, prints
 // nothing on standard output and leaves the file byte for byte as it was, with no journal.
+#include "section_data/SKRProjectSchema.h"
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
@@ -101,7 +102,7 @@ void writeCatalogue(const QString& path, const std::wstring& damaged = std::wstr
 void writeProject(const QString& path, const std::wstring& damaged = std::wstring()) {
     VMPProjectModel model;
     ASSERT_TRUE(model.open(path));
-    ndp::CDBTable* table = model.getProjectDB()->GetTable(L"CustomHotRolledSection");
+    ndp::CDBTable* table = model.getProjectDB()->GetTable(skr::section::schema::user_section::table);
     const wchar_t* names[] = {L"Z1(ZDY)", L"Z2(ZDY)", L"Z3(ZDY)"};
     for (int i = 0; i < 3; ++i) {
         ndp::CDBRecord* record = table->CreateRecord();
@@ -273,7 +274,7 @@ TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
     }
     ndp::CDatabase db;
     ASSERT_TRUE(db.Open(m_project, true));
-    ndp::CDBTable* table = db.GetTable(L"CustomHotRolledSection");
+    ndp::CDBTable* table = db.GetTable(skr::section::schema::user_section::table);
     ndp::CFileAddressList rows;
     ASSERT_TRUE(table->ListAll(rows));
     EXPECT_EQ(rows.GetCount(), writers * adds);

@@ -1,6 +1,7 @@
 // The hot-rolled catalogues under stress: a user section saved just before the process is
 // killed, names written to break the look-up's query, and catalogue numbers read exactly as the
 // C library reads them.
+#include "section_data/SKRProjectSchema.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
@@ -56,7 +57,7 @@ int rowCount(ndp::CDBTable* table) {
 static int runSavedSectionChild(const QString& path) {
     VMPProjectModel model;
     if (!model.open(path)) return 3;
-    SKRUserHotRollingSectionDBProvider user(model.getProjectDB()->GetTable(L"CustomHotRolledSection"));
+    SKRUserHotRollingSectionDBProvider user(model.getProjectDB()->GetTable(skr::section::schema::user_section::table));
     if (!user.addSection(userSection(L"Z270*80*8*3(ZDY)", 9, 1, 12.5)) || !model.save()) return 4;
     if (!user.addSection(userSection(L"Z300*80*8*3(ZDY)", 9, 2, 14.0))) return 5;
     std::printf("saved\n");
@@ -91,7 +92,7 @@ TEST(UserSectionDurability, SavedSectionSurvivesTheProcessBeingKilledAndAnUnsave
 
     VMPProjectModel reopened;
     ASSERT_TRUE(reopened.open(path)) << qPrintable(reopened.lastError());
-    ndp::CDBTable* table = reopened.getProjectDB()->GetTable(L"CustomHotRolledSection");
+    ndp::CDBTable* table = reopened.getProjectDB()->GetTable(skr::section::schema::user_section::table);
     SKRUserHotRollingSectionDBProvider user(table);
     const SKRHotRollingLookup saved = user.findByName(L"Z270*80*8*3(ZDY)");
     ASSERT_TRUE(saved.first);
@@ -153,7 +154,7 @@ protected:
     }
     void expectCataloguesIntact(int userRows) {
         ASSERT_NE(m_db.GetTable(L"SectionPolyInfor"), nullptr);
-        ASSERT_NE(m_db.GetTable(L"CustomHotRolledSection"), nullptr);
+        ASSERT_NE(m_db.GetTable(skr::section::schema::user_section::table), nullptr);
         EXPECT_EQ(rowCount(m_system), 2);
         EXPECT_EQ(rowCount(m_user), userRows);
         EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 27.929);

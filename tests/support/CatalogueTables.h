@@ -2,6 +2,7 @@
 // that build small catalogues of their own.
 #pragma once
 
+#include "section_data/SKRProjectSchema.h"
 #include "ndp/NDPDBField.h"
 
 #include <vector>
@@ -19,11 +20,11 @@ inline std::vector<ndp::CDBField> systemCatalogueFields() {
 }
 
 // "CustomHotRolledSection" of a project.
+// The fields of the project's user-section table, as the library's schema defines them.
 inline std::vector<ndp::CDBField> userCatalogueFields() {
-    using ndp::EnDBFieldKind;
-    return {{L"SectionType", EnDBFieldKind::Int32, true}, {L"SubID", EnDBFieldKind::Int32, true},
-            {L"StandardName", EnDBFieldKind::Text, true}, {L"WeightMeter", EnDBFieldKind::Double},
-            {L"AreaVal", EnDBFieldKind::Double}, {L"SectionParam", EnDBFieldKind::Text}};
+    for (const VMPTableDefinition& table : skr::section::schema::projectTables())
+        if (table.first == skr::section::schema::user_section::table) return table.second;
+    return {};
 }
 
 }  // namespace bxqtest
