@@ -325,9 +325,9 @@ CBody* SKRBodyBuilder::ellipsoid(double a, double b, double c, const ndp::CCoord
 
 CBody* SKRBodyBuilder::memberFromSpecification(const QString& specification, double length, const ndp::CCoord3& frame,
                                                QString* error) {
-    QString outline;
+    geometry::SKROutline outline;
     if (!geometry::specificationOutline(specification, outline, error)) return nullptr;
-    const std::unique_ptr<ndp::CPolygon> section = geometry::ParseSectionPolygon(outline);
+    const std::unique_ptr<ndp::CPolygon> section = geometry::outlinePolygon(outline);
     if (!section) return refuse(error, QStringLiteral("the outline of \"%1\" gives no polygon").arg(specification));
 
     gp_Ax3 placement;

@@ -15,9 +15,15 @@ SKRSectionPreview::SKRSectionPreview(QWidget* parent) : QWidget(parent) {
 }
 
 void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>& values) {
-    QString outline, error;
-    skr::geometry::sectionOutlineText(sectionType, values, outline, &error);
-    setOutline(outline, error);
+    skr::geometry::SKROutline outline;
+    QString error;
+    const auto polygon = skr::geometry::sectionOutline(sectionType, values, outline, &error)
+                             ? skr::geometry::outlinePolygon(outline)
+                             : nullptr;
+    if (polygon) return setPolygon(*polygon);
+    m_path = QPainterPath();
+    m_caption = error;
+    update();
 }
 
 void SKRSectionPreview::clear() { setOutline(QString(), QString()); }

@@ -10,7 +10,6 @@ namespace geometry {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr int kCircleKind = 50;
 constexpr int kLineKind = 0;
 constexpr int kCounterClockwiseMinorArc = 1;
 constexpr int kClockwiseMinorArc = 2;
@@ -112,7 +111,11 @@ bool filletCorners(const QVector<SKROutlineCorner>& corners, QVector<SKROutlineV
     return true;
 }
 
-QString outlineLoopText(const QVector<SKROutlineVertex>& loop) {
+SKROutlineLoop outlineCircle(double centreX, double centreY, double radius) {
+    return {{centreX, centreY, radius, kOutlineCircleKind}};
+}
+
+QString outlineLoopText(const SKROutlineLoop& loop) {
     QStringList records;
     records.reserve(loop.size());
     for (const SKROutlineVertex& v : loop)
@@ -122,8 +125,14 @@ QString outlineLoopText(const QVector<SKROutlineVertex>& loop) {
 }
 
 QString outlineCircleText(double centreX, double centreY, double radius) {
-    return number(centreX) + QLatin1Char(',') + number(centreY) + QLatin1Char(',') + number(radius) +
-           QLatin1Char(',') + QString::number(kCircleKind);
+    return outlineLoopText(outlineCircle(centreX, centreY, radius));
+}
+
+QString outlineText(const SKROutline& outline) {
+    QStringList loops;
+    loops.reserve(outline.loops.size());
+    for (const SKROutlineLoop& loop : outline.loops) loops << outlineLoopText(loop);
+    return loops.join(QLatin1String(kOutlineLoopSeparator));
 }
 
 }  // namespace geometry

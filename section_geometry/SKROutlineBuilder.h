@@ -36,10 +36,27 @@ struct SKROutlineVertex {
 bool filletCorners(const QVector<SKROutlineCorner>& corners, QVector<SKROutlineVertex>& loop,
                    QString* error = nullptr);
 
+// The kind of a loop's only record that makes the loop a full circle about (x, y) of radius value.
+constexpr int kOutlineCircleKind = 50;
+// What separates the loops of an outline text.
+constexpr const char* kOutlineLoopSeparator = "|||";
+
+using SKROutlineLoop = QVector<SKROutlineVertex>;
+
+// An outline as the library passes it around: its loops, the outer one first (a loop of one
+// vertex of kind kOutlineCircleKind is a full circle). Text is only for the databases.
+struct SKROutline {
+    QVector<SKROutlineLoop> loops;
+};
+
+// A full circle as a loop.
+SKROutlineLoop outlineCircle(double centreX, double centreY, double radius);
 // One loop as outline text: the records joined by ";".
-QString outlineLoopText(const QVector<SKROutlineVertex>& loop);
+QString outlineLoopText(const SKROutlineLoop& loop);
 // A full-circle loop as outline text: "x,y,radius,50".
 QString outlineCircleText(double centreX, double centreY, double radius);
+// The outline as text: the loops joined by "|||".
+QString outlineText(const SKROutline& outline);
 
 }  // namespace geometry
 }  // namespace skr

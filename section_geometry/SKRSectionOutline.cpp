@@ -253,29 +253,37 @@ bool positive(std::initializer_list<double> sizes) {
     return std::all_of(sizes.begin(), sizes.end(), [](double s) { return s > 1e-9; });
 }
 
-// Writes the outline: circles and loops, the outer one counter-clockwise and the holes clockwise.
-bool writeOutline(const Outline& out, QString& text, QString* error) {
-    QStringList loops;
-    for (const Circle& circle : out.circles) loops << outlineCircleText(circle.x, circle.y, circle.radius);
+// The outline's loops: circles, then corner loops, then curved loops; the outer one
+// counter-clockwise and the holes clockwise.
+bool writeOutline(const Outline& out, SKROutline& outline, QString* error) {
+    SKROutline written;
+    for (const Circle& circle : out.circles) written.loops << outlineCircle(circle.x, circle.y, circle.radius);
     for (int i = 0; i < out.loops.size(); ++i) {
         const bool outer = i == 0 && out.circles.isEmpty();
         Corners corners = out.loops[i];
         if ((cornerArea(corners) > 0) != outer) std::reverse(corners.begin(), corners.end());
-        QVector<SKROutlineVertex> loop;
+        SKROutlineLoop loop;
         if (!filletCorners(corners, loop, error)) return false;
-        loops << outlineLoopText(loop);
+        written.loops << loop;
     }
     for (int i = 0; i < out.curvedLoops.size(); ++i) {
         const bool outer = i == 0 && out.circles.isEmpty() && out.loops.isEmpty();
-        loops << outlineLoopText(outer ? out.curvedLoops[i] : reversedLoop(out.curvedLoops[i]));
+        written.loops << (outer ? out.curvedLoops[i] : reversedLoop(out.curvedLoops[i]));
     }
-    text = loops.join(QStringLiteral("|||"));
+    outline = written;
     return true;
 }
 
 }  // namespace
 
 bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QString& text, QString* error) {
+    SKROutline outline;
+    if (!sectionOutline(sectionType, params, outline, error)) return false;
+    text = outlineText(outline);
+    return true;
+}
+
+bool sectionOutline(int sectionType, const QMap<QString, double>& params, SKROutline& outline, QString* error) {
     Values v(params);
     Outline out;
     bool sound = true;
@@ -420,11 +428,11 @@ bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QS
         return fail(error, QStringLiteral("section type %1: the radius %2 must be zero or more").arg(sectionType).arg(v.bad()));
     if (!sound) return fail(error, QStringLiteral("the values do not make a section of type %1").arg(sectionType));
 
-    QString written;
+    SKROutline written;
     QString reason;
     if (!writeOutline(out, written, &reason))
         return fail(error, QStringLiteral("section type %1: %2").arg(sectionType).arg(reason));
-    text = written;
+    outline = written;
     return true;
 }
 

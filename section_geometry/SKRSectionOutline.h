@@ -3,6 +3,8 @@
 // loops), with the fillets, toe radii, bends and corner radii of the rolled and cold-formed shapes.
 #pragma once
 
+#include "section_geometry/SKROutlineBuilder.h"
+
 #include <QMap>
 #include <QString>
 
@@ -31,6 +33,9 @@ constexpr double kSteelKgPerMetrePerMm2 = 0.00785;
 // False, with the reason in error and text unchanged, for a type without an outline, a missing
 // parameter, values that do not make a section (a web thicker than the flange is wide, ...), or
 // a radius that does not fit.
+bool sectionOutline(int sectionType, const QMap<QString, double>& params, SKROutline& outline,
+                    QString* error = nullptr);
+// The same outline as text, as the section database stores it.
 bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QString& text,
                         QString* error = nullptr);
 

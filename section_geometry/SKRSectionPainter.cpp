@@ -47,9 +47,9 @@ struct Outline {
 };
 
 bool buildOutline(int sectionType, const QMap<QString, double>& values, Outline& outline, QString* error) {
-    QString text;
-    if (!sectionOutlineText(sectionType, values, text, error)) return false;
-    outline.polygon = ParseSectionPolygon(text);
+    SKROutline drawn;
+    if (!sectionOutline(sectionType, values, drawn, error)) return false;
+    outline.polygon = outlinePolygon(drawn);
     if (!outline.polygon) {
         if (error) *error = QStringLiteral("the outline has no loop");
         return false;

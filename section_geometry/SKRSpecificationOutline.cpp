@@ -32,6 +32,13 @@ section::SKRHotRollingLookup catalogueRow(const QString& name, QString* error) {
 }  // namespace
 
 bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note) {
+    SKROutline drawn;
+    if (!specificationOutline(specification, drawn, error, note)) return false;
+    outline = outlineText(drawn);
+    return true;
+}
+
+bool specificationOutline(const QString& specification, SKROutline& outline, QString* error, QString* note) {
     SKRSectionPolyInfoParser parser;
     parser.parser(specification);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
@@ -60,7 +67,7 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
     } else if (hasCatalogueRadii(info.sectionType) && note) {
         *note = QStringLiteral("%1 is not in the catalogue; drawn without its root radius").arg(info.name);
     }
-    if (!sectionOutlineText(info.sectionType, params, outline, &reason)) {
+    if (!sectionOutline(info.sectionType, params, outline, &reason)) {
         if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
         return false;
     }

@@ -3,6 +3,8 @@
 // dimensions its text gives.
 #pragma once
 
+#include "section_geometry/SKROutlineBuilder.h"
+
 #include <QString>
 
 namespace skr {
@@ -10,6 +12,8 @@ namespace geometry {
 
 // False, with the reason, for a text that is no section or whose values make no outline. note
 // receives a remark when a rolled shape that only the catalogue gives radii is drawn without them.
+bool specificationOutline(const QString& specification, SKROutline& outline, QString* error, QString* note = nullptr);
+// The same outline as text.
 bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note = nullptr);
 
 }  // namespace geometry

@@ -30,8 +30,14 @@ constexpr double kPi = 3.14159265358979323846;
 QString figure(double value) { return QString::number(std::abs(value) < 1e-9 ? 0.0 : value, 'g', 10); }
 
 // The polygon of an outline text, when it is a valid outline: figures come from nothing else.
-std::unique_ptr<ndp::CPolygon> outlinePolygon(const QString& text, QString* error) {
-    std::unique_ptr<ndp::CPolygon> polygon = text.trimmed().isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(text);
+std::unique_ptr<ndp::CPolygon> checkedPolygon(const QString& text, QString* error) {
+    skr::geometry::SKROutline outline;
+    QString unread;
+    if (!text.trimmed().isEmpty() && !skr::geometry::parseOutlineText(text, outline, &unread)) {
+        *error = QStringLiteral("the outline text cannot be read: ") + unread;
+        return nullptr;
+    }
+    std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::outlinePolygon(outline);
     if (!polygon || polygon->IsEmpty()) {
         *error = QStringLiteral("the outline text has no loop");
         return nullptr;
@@ -178,7 +184,7 @@ int runOutline(const QStringList& arguments) {
     } else {
         outline = texts.first();
     }
-    const std::unique_ptr<ndp::CPolygon> polygon = outlinePolygon(outline, &error);
+    const std::unique_ptr<ndp::CPolygon> polygon = checkedPolygon(outline, &error);
     if (!polygon) return dataError(error);
     const skr::geometry::SKRSectionProperties properties = skr::geometry::SectionProperties(*polygon);
 

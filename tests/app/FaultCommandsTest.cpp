@@ -298,7 +298,8 @@ TEST_F(BxqFaultTest, NumbersPastAnyBuildingAndOutlinesThatAreNotOneRegionAreRefu
         {{"outline", "--section", "TY400*7760*3e46*150*10"}, "dimension 3e46 is beyond 1000000 mm"},
         {{"outline", "0,0,1e200,50"}, "loop 1 of the outline reaches beyond 1000000 mm"},
         {{"outline", "--json", "71,0,190,0,00,0;79,0,0,0;79,190,0,0;9,0,0,0;79,190,0,0;150,;0,200,0,0;0,190,0,0;71,190,0,0"},
-         "loop 1 of the outline crosses itself near"},
+         "the outline text cannot be read: loop 1, record 6: '' is not a number"},
+        {{"outline", "--json", "0,0,0,0;10,10,0,0;10,0,0,0;0,10,0,0"}, "loop 1 of the outline crosses itself near"},
     };
     writeCatalogue(m_catalogue);
     for (const auto& verb : cases) {

@@ -113,3 +113,39 @@ TEST(SectionPolygonText, TextsWithoutALoopGiveNoPolygon) {
     ASSERT_TRUE(single);
     EXPECT_EQ(single->GetCount(), 0);
 }
+
+// What a text that is not an outline is refused for: the loop, the record and the field.
+TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndField) {
+    const struct {
+        const char* text;
+        const char* reason;  // empty: read
+    } cases[] = {
+        {"0,0,0,0;10,0,0,0;10,10,0,0", ""},
+        {"5,5,5,50|||5,5,2,50", ""},
+        {"0,0,0,0;10,0,0,0;10,10,0,0|||1,1,0,0;2,x,0,0", "loop 2, record 2: 'x' is not a number"},
+        {"0,0,0,0;10,0,0,7;10,10,0,0", "loop 1, record 2: '7' is no segment kind"},
+        {"0,0,0,0;10,0,0,50;10,10,0,0", "loop 1, record 2: '50' is no segment kind"},
+        {"0,0,0;10,0,0,0", "loop 1, record 1: '' is no segment kind"},
+        {"", "loop 1, the loop is empty"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        SKROutline outline;
+        QString error;
+        EXPECT_EQ(parseOutlineText(QString::fromLatin1(c.text), outline, &error), !*c.reason);
+        EXPECT_EQ(error, QString::fromLatin1(c.reason));
+    }
+}
+
+// An outline passed as loops draws the polygon its text draws.
+TEST(SectionPolygonText, OutlineAndItsTextGiveTheSamePolygon) {
+    const QString text = QStringLiteral("0,0,0,0;20,0,0,0;20,10,5,1;10,10,0,0|||5,5,2,50");
+    SKROutline outline;
+    ASSERT_TRUE(parseOutlineText(text, outline));
+    EXPECT_EQ(outlineText(outline), text);
+    const auto fromText = ParseSectionPolygon(text);
+    const auto fromLoops = outlinePolygon(outline);
+    ASSERT_TRUE(fromText && fromLoops);
+    ASSERT_EQ(fromLoops->GetLoopCount(), 2);
+    EXPECT_NEAR(fromLoops->Area(), fromText->Area(), 1e-12);
+}
