@@ -14,6 +14,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <atomic>
 
 #include <cerrno>
 #include <charconv>
@@ -38,14 +39,26 @@ std::wstring shortest(double value) {
     return QString::number(value, 'g', QLocale::FloatingPointShortest).toStdWString();
 }
 
+std::atomic<std::uint64_t> g_userSectionWrites{0};
+
+std::uint64_t nextSerial() {
+    static std::atomic<std::uint64_t> serials{0};
+    return ++serials;
+}
+
 }  // namespace
+
+std::uint64_t SKRHotRollingSectionDBProvider::userSectionWrites() { return g_userSectionWrites.load(); }
+
+void SKRHotRollingSectionDBProvider::noteUserSectionWrite() { ++g_userSectionWrites; }
 
 SKRHotRollingSectionDBProvider::SKRHotRollingSectionDBProvider(ndp::CDBTable* table)
     : m_pTable(table),
       m_nameField(L"StandardName"),
       m_firstKeyField(L"PolyID"),
       m_secondKeyField(L"SubClassID"),
-      m_pCache(new std::unordered_map<std::wstring, SKRHotRollingSection>) {}
+      m_pCache(new std::unordered_map<std::wstring, SKRHotRollingSection>),
+      m_serial(nextSerial()) {}
 
 SKRHotRollingSectionDBProvider::~SKRHotRollingSectionDBProvider() { delete m_pCache; }
 
@@ -204,6 +217,7 @@ SKRHotRollingSection SKRUserHotRollingSectionDBProvider::fromRecord(ndp::CDBReco
 
 bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& section) {
     if (!m_pTable) return false;
+    noteUserSectionWrite();
     // The write lock first, so that the name found free stays free until the row is added.
     beginWrite(m_pTable);
     if (findByName(section.standardName).first) return false;
@@ -224,6 +238,7 @@ bool SKRUserHotRollingSectionDBProvider::addSection(const SKRHotRollingSection& 
 
 bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSection& section) {
     if (!m_pTable) return false;
+    noteUserSectionWrite();
     beginWrite(m_pTable);
     const SKRDatabaseCheck failed(m_pTable);
     ndp::CFileAddressList found;
@@ -243,6 +258,7 @@ bool SKRUserHotRollingSectionDBProvider::updateSection(const SKRHotRollingSectio
 
 bool SKRUserHotRollingSectionDBProvider::removeSection(int sectionType, int subId) {
     if (!m_pTable) return false;
+    noteUserSectionWrite();
     const std::wstring query = skr::section::query::fieldsEqual(m_firstKeyField, sectionType, m_secondKeyField, subId);
     beginWrite(m_pTable);
     const SKRDatabaseCheck failed(m_pTable);

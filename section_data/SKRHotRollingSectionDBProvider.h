@@ -5,6 +5,7 @@
 #include "section_data/SKRHotRollingSection.h"
 #include "section_data/SKRRegistryInstance.h"
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -37,6 +38,11 @@ public:
     std::vector<SKRHotRollingSection> listAll();
 
     ndp::CDBTable* table() const { return m_pTable; }
+    // A number no other provider of this process has had, and a count of the writes to the user's
+    // sections by any provider of the process: together they tell an index of the rows whether it
+    // is still that of this table as it is.
+    std::uint64_t serial() const { return m_serial; }
+    static std::uint64_t userSectionWrites();
 
     // The query text findByKeys builds, e.g. "PolyID == 5 && SubClassID == 1".
     std::wstring keyQuery(int sectionType, int subId) const;
@@ -48,6 +54,7 @@ protected:
     std::vector<SKRHotRollingSection> readAll(const ndp::CFileAddressList& found);
     SKRHotRollingSection readLeadingFields(ndp::CDBRecord* record) const;
     static double toDouble(const std::wstring& text);
+    static void noteUserSectionWrite();
     std::wstring readText(ndp::CDBRecord* record, const std::wstring& field) const;
 
     ndp::CDBTable* m_pTable;
@@ -55,6 +62,7 @@ protected:
     std::wstring m_firstKeyField;
     std::wstring m_secondKeyField;
     std::unordered_map<std::wstring, SKRHotRollingSection>* m_pCache;
+    std::uint64_t m_serial;
 };
 
 // SKRUserHotRollingSectionDBProvider: the user's own hot-rolled sections in the project

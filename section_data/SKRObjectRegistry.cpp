@@ -27,7 +27,7 @@ bool RegisterObject(const std::string& name, void* object, const std::string& gr
 
 void* FetchObject(const std::string& name, const std::string& group) {
     const auto& entries = registry();
-    const auto it = entries.find(name + group);
+    const auto it = entries.find(group.empty() ? name : name + group);
     return it == entries.end() ? nullptr : it->second.object;
 }
 

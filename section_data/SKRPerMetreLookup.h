@@ -24,8 +24,6 @@ public:
     // naming the file.
     static SKRHotRollingLookup lookUp(const QString& norm);
 
-private:
-    static SKRHotRollingLookup readOrExplain(SKRHotRollingSectionDBProvider* provider, const std::wstring& name);
 };
 
 }  // namespace section

@@ -19,7 +19,10 @@ bool RegisterInstance(T* object) {
 
 template <typename T>
 T* FetchInstance() {
-    return static_cast<T*>(FetchObject(RegistryKey<T>::name(), std::string()));
+    // Asked per member and per keystroke: the key is made once.
+    static const std::string name = RegistryKey<T>::name();
+    static const std::string noGroup;
+    return static_cast<T*>(FetchObject(name, noGroup));
 }
 
 // With destroy, the registered object (if any) is deleted before it is forgotten.
