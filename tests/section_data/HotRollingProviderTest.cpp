@@ -251,6 +251,17 @@ TEST_F(HotRollingProviderTest, PerMetreFiguresComeFromTheUserCatalogueFirst) {
     EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I99"), 0.0);
     EXPECT_EQ(SKRPerMetreLookup::surfacePerMetre("I99"), 0.0);
 
+    // The figures follow the user's changes at once: an update, a removal, a row added by a
+    // second provider on the same table.
+    shadow.weightMeter = 13.5;
+    ASSERT_TRUE(user->updateSection(shadow));
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 13.5);
+    ASSERT_TRUE(user->removeSection(1, 1));
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 27.9);
+    SKRUserHotRollingSectionDBProvider other(m_user);
+    ASSERT_TRUE(other.addSection(userSection(L"I99", 1, 2)));
+    EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I99"), 12.5);
+
     skr::util::UnRegisterInstance<SKRUserHotRollingSectionDBProvider>(true);
     skr::util::UnRegisterInstance<SKRHotRollingSectionDBProvider>(true);
     EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20b"), 0.0);
