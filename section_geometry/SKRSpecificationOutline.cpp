@@ -29,7 +29,8 @@ section::SKRHotRollingLookup catalogueRow(const QString& name) {
 
 }  // namespace
 
-bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note) {
+bool specificationOutlineParams(const QString& specification, int& sectionType, QMap<QString, double>& params,
+                                QString* error, QString* note) {
     SKRSectionPolyInfoParser parser;
     parser.parser(specification);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
@@ -42,7 +43,8 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
         if (error) *error = QStringLiteral("'%1' is not a section specification").arg(specification);
         return false;
     }
-    QMap<QString, double> params;
+    params.clear();
+    sectionType = info.sectionType;
     const section::SKRHotRollingLookup row = catalogueRow(info.name);
     if (row.first && row.second.sectionType == info.sectionType) {
         QMap<QString, double> dimensions;
@@ -54,7 +56,15 @@ bool specificationOutline(const QString& specification, QString& outline, QStrin
     } else if (hasCatalogueRadii(info.sectionType) && note) {
         *note = QStringLiteral("%1 is not in the catalogue; drawn without its root radius").arg(info.name);
     }
-    if (!sectionOutlineText(info.sectionType, params, outline, &reason)) {
+    return true;
+}
+
+bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note) {
+    int sectionType = -1;
+    QMap<QString, double> params;
+    if (!specificationOutlineParams(specification, sectionType, params, error, note)) return false;
+    QString reason;
+    if (!sectionOutlineText(sectionType, params, outline, &reason)) {
         if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
         return false;
     }

@@ -17,6 +17,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
+#include <QMenu>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -230,6 +232,24 @@ TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
         EXPECT_GT(yellow, 200);
     }
     EXPECT_TRUE(saveScreen(*m_window, QStringLiteral("bxq_model_view")));
+}
+
+TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenu) {
+    QAction* exportAction = nullptr;
+    for (QAction* action : m_window->menuBar()->actions())
+        for (QAction* item : action->menu() ? action->menu()->actions() : QList<QAction*>())
+            if (item->text() == QStringLiteral("导出 IFC...")) exportAction = item;
+    ASSERT_NE(exportAction, nullptr);
+    QString error;
+    const QString path = m_dir.filePath(QStringLiteral("p.ifc"));
+    ASSERT_TRUE(m_window->exportIfc(path, &error)) << error.toStdString();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    EXPECT_EQ(text.count("=IFCBEAM("), 1);
+    EXPECT_TRUE(text.contains("IFCISHAPEPROFILEDEF(.AREA.,'H400*200*8*13',")) << text.constData();
+    EXPECT_FALSE(m_window->exportIfc(m_dir.filePath(QStringLiteral("no/such/folder/p.ifc")), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("no/such/folder/p.ifc"))) << error.toStdString();
 }
 
 TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
