@@ -6,6 +6,8 @@
 
 #include "exchange/SKRIfcProjectExport.h"
 
+#include "vmp/VMPMembers.h"
+
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -92,6 +94,11 @@ int runExport(const QStringList& arguments) {
     BXQDataSession session;
     if (!session.openProject(projectPath, false, &error) || !session.openCatalogue(&error)) return dataError(error);
     session.registerRepository();
+    for (const auto& kind : options.kinds) {
+        VMPMember member;
+        if (VMPReadMember(session.projectDB(), kind.first, member, &error)) continue;
+        return dataError(error.isEmpty() ? QStringLiteral("%1 has no member %2").arg(projectPath).arg(kind.first) : error);
+    }
     BXQProgressLine progress(QStringLiteral("exporting members"));
     options.progress = [&progress](int done, int total) { return progress.show(done, total); };
     std::vector<skr::exchange::SKRIfcMemberReport> report;
