@@ -236,10 +236,14 @@ TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
 
 TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenu) {
     QAction* exportAction = nullptr;
+    QMenu* projectMenu = nullptr;
     for (QAction* action : m_window->menuBar()->actions())
         for (QAction* item : action->menu() ? action->menu()->actions() : QList<QAction*>())
-            if (item->text() == QStringLiteral("导出 IFC...")) exportAction = item;
+            if (item->text() == QStringLiteral("导出 IFC...")) exportAction = item, projectMenu = action->menu();
     ASSERT_NE(exportAction, nullptr);
+    projectMenu->popup(m_window->mapToGlobal(QPoint(0, 0)));
+    EXPECT_TRUE(saveScreen(*projectMenu, QStringLiteral("bxq_project_menu")));
+    projectMenu->hide();
     QString error;
     const QString path = m_dir.filePath(QStringLiteral("p.ifc"));
     ASSERT_TRUE(m_window->exportIfc(path, &error)) << error.toStdString();
