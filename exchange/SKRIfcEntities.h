@@ -79,22 +79,12 @@ inline StepRef CShapeProfileDef(W& w, const QString& name, StepRef position, dou
                                          stepReal(width), stepReal(wallThickness), stepReal(girth),
                                          internalFilletRadius});
 }
-inline StepRef ZShapeProfileDef(W& w, const QString& name, StepRef position, double depth, double flangeWidth,
-                                double webThickness, double flangeThickness, StepArg filletRadius, StepArg edgeRadius) {
-    return w.add("IFCZSHAPEPROFILEDEF", {stepEnum("AREA"), label(name), stepRef(position), stepReal(depth),
-                                         stepReal(flangeWidth), stepReal(webThickness), stepReal(flangeThickness),
-                                         filletRadius, edgeRadius});
-}
 inline StepRef CircleProfileDef(W& w, const QString& name, StepRef position, double radius) {
     return w.add("IFCCIRCLEPROFILEDEF", {stepEnum("AREA"), label(name), stepRef(position), stepReal(radius)});
 }
 inline StepRef CircleHollowProfileDef(W& w, const QString& name, StepRef position, double radius, double wallThickness) {
     return w.add("IFCCIRCLEHOLLOWPROFILEDEF",
                  {stepEnum("AREA"), label(name), stepRef(position), stepReal(radius), stepReal(wallThickness)});
-}
-inline StepRef RectangleProfileDef(W& w, const QString& name, StepRef position, double xDim, double yDim) {
-    return w.add("IFCRECTANGLEPROFILEDEF",
-                 {stepEnum("AREA"), label(name), stepRef(position), stepReal(xDim), stepReal(yDim)});
 }
 inline StepRef RectangleHollowProfileDef(W& w, const QString& name, StepRef position, double xDim, double yDim,
                                          double wallThickness, StepArg innerFilletRadius, StepArg outerFilletRadius) {

@@ -2,6 +2,7 @@
 #include "exchange/SKRStepWriter.h"
 
 #include <QCryptographicHash>
+#include <QVector>
 
 #include <charconv>
 #include <cmath>
