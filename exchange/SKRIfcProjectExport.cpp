@@ -63,7 +63,7 @@ Kind kindOf(EnIfcElementKind kind) {
 
 class Writer {
 public:
-    Writer(const SKRIfcExportOptions& options) : m_options(options), m_scale(options.metres ? 0.001 : 1.0) {}
+    explicit Writer(const SKRIfcExportOptions& options) : m_options(options), m_scale(options.metres ? 0.001 : 1.0) {}
 
     QString globalId(const QString& key) const {
         return stepGlobalId((m_options.projectName + QLatin1Char('/') + key).toUtf8());
@@ -75,9 +75,9 @@ public:
     }
 
     void begin() {
-        m_origin = CartesianPoint3(m_w, 0, 0, 0);
+        const StepRef origin = CartesianPoint3(m_w, 0, 0, 0);
         m_zAxis = Direction3(m_w, 0, 0, 1);
-        const StepRef world = Axis2Placement3D(m_w, m_origin, StepRef(), StepRef());
+        const StepRef world = Axis2Placement3D(m_w, origin, StepRef(), StepRef());
         const StepRef context = GeometricRepresentationContext(m_w, QStringLiteral("Model"), 3, 1e-5, world);
         m_body = GeometricRepresentationSubContext(m_w, QStringLiteral("Body"), QStringLiteral("Model"), context,
                                                    "MODEL_VIEW");
@@ -250,7 +250,7 @@ private:
     const SKRIfcExportOptions& m_options;
     const double m_scale;
     SKRStepWriter m_w;
-    StepRef m_origin, m_zAxis, m_body, m_project, m_storeyPlacement, m_storey;
+    StepRef m_zAxis, m_body, m_project, m_storeyPlacement, m_storey;
     std::map<QString, Profile> m_profiles;
     std::vector<StepRef> m_elements;
 };
