@@ -265,6 +265,13 @@ TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
     for (QAction* action : english.menuBar()->actions()) menus << action->text();
     EXPECT_TRUE(menus.contains("Model")) << menus.join(',').toStdString();
     EXPECT_TRUE(menus.contains("View")) << menus.join(',').toStdString();
+    QMenu* project = english.menuBar()->actions().first()->menu();
+    QStringList projectItems;
+    for (QAction* action : project->actions()) projectItems << action->text();
+    EXPECT_TRUE(projectItems.contains("Export IFC...")) << projectItems.join(',').toStdString();
+    project->popup(english.mapToGlobal(QPoint(0, 0)));
+    EXPECT_TRUE(saveScreen(*project, QStringLiteral("bxq_project_menu_en")));
+    project->hide();
     english.resize(1280, 760);
     english.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
