@@ -2,8 +2,7 @@
 # scratch root, its dependencies declared, a host project built against the installed CMake
 # package (offscreen: the section library opens, texts parse) and the installed bxq reading the
 # installed databases, or saying where it looked for them when they are gone.
-# Run as: cmake -DBUILD=<build dir> -DHOST=<host source> -DSCRATCH=<dir> [-DSANITIZE=<list>]
-#         -P InstalledPackageTest.cmake
+# Run as: cmake -DBUILD=<build dir> -DHOST=<host source> -DSCRATCH=<dir> -P InstalledPackageTest.cmake
 cmake_minimum_required(VERSION 3.25)
 
 function(run what)
@@ -38,13 +37,8 @@ foreach(installed usr/lib/cmake/BXQExtend/BXQExtendConfig.cmake usr/lib/cmake/BX
   endif()
 endforeach()
 
-# A sanitizer build's libraries need the host built with the same sanitizers.
-set(host_flags "")
-if(SANITIZE)
-  set(host_flags -DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE} -DCMAKE_EXE_LINKER_FLAGS=-fsanitize=${SANITIZE})
-endif()
 run("configuring the host" ${CMAKE_COMMAND} -S ${HOST} -B ${SCRATCH}/host -G Ninja
-    -DCMAKE_PREFIX_PATH=${SCRATCH}/root/usr -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF ${host_flags})
+    -DCMAKE_PREFIX_PATH=${SCRATCH}/root/usr -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF)
 run("building the host" ${CMAKE_COMMAND} --build ${SCRATCH}/host)
 run("the host" ${CMAKE_COMMAND} -E env --unset=BXQ_DATA_DIR QT_QPA_PLATFORM=offscreen ${SCRATCH}/host/bxqextend-host)
 message("${out}")
