@@ -44,6 +44,12 @@ QString unreadableMessage(const QString& path, const QString& reason) {
     return fileMessage(QStringLiteral("open"), path, reason);
 }
 
+// A missing shipped database: the platform's message and the folders that were searched.
+QString missingMessage(const QString& message) {
+    return QStringLiteral("%1 (looked in %2)")
+        .arg(message, VMPAppInfo::gAppInfo()->searchedDataPaths().join(QStringLiteral(", ")));
+}
+
 }  // namespace
 
 BXQDataSession::BXQDataSession() : m_noProject(new NoProjectModel) {}
@@ -96,7 +102,7 @@ bool BXQDataSession::openCatalogue(QString* error) {
     try {
         m_catalogue = SKRSectionPolyDBManager::instance()->sectionPolyDB();
     } catch (const VMPModelException& e) {
-        *error = e.message();
+        *error = missingMessage(e.message());
         return false;
     }
     if (!m_catalogue) *error = unreadableMessage(path, VMPNDDBManager::nddbMgr()->lastError());
@@ -106,7 +112,7 @@ bool BXQDataSession::openCatalogue(QString* error) {
 ndp::CDatabase* BXQDataSession::openSystemDatabase(const QString& fileName, QString* error) {
     const QString path = dataFilePath(fileName);
     if (!VMPAppInfo::gAppInfo()->fileExists(path)) {
-        *error = SKRSectionPolyDBManager::missingFileMessage(path);
+        *error = missingMessage(SKRSectionPolyDBManager::missingFileMessage(path));
         return nullptr;
     }
     ndp::CDatabase* database = VMPNDDBManager::nddbMgr()->getNDDB(fileName, false);

@@ -17,13 +17,15 @@ set(allowed_body_builder ${platform_core} body_builder section_geometry section_
 set(allowed_solid_split ${platform_core} scene solid_split ${export})
 set(allowed_section_dialog ${platform_core} ui section_dialog section_geometry section_spec section_data plugin)
 set(allowed_face_steel ${platform_core} ui face_steel plugin)
+set(allowed_exchange ${platform_core} exchange section_spec section_data section_geometry body_builder solid_split
+    ${export})
 set(allowed_plugin ${platform_core} ui scene plugin section_data section_spec section_geometry body_builder
-    solid_split section_dialog face_steel)
+    solid_split section_dialog face_steel exchange)
 set(scene_seers platform/scene solid_split app)
 
 set(violations "")
 foreach(folder platform/ndp platform/vmp platform/ui platform/scene section_data section_spec section_geometry
-               body_builder solid_split section_dialog face_steel plugin)
+               body_builder solid_split section_dialog face_steel exchange plugin)
   file(GLOB sources "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
   list(FIND scene_seers ${folder} sees_scene)
   foreach(source ${sources})

@@ -22,6 +22,10 @@ target_link_libraries(bxq_occt INTERFACE
   TKernel TKMath TKG2d TKG3d TKGeomBase TKBRep TKGeomAlgo TKTopAlgo TKPrim TKBO TKBool TKFillet TKOffset
   TKShHealing TKMesh TKXSBase TKSTEPBase TKSTEPAttr TKSTEP209 TKSTEP TKSTL)
 
+# dxflib: the DXF writer of bxq's outline drawings (GPL, so linked into bxq only).
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(DXFLIB REQUIRED IMPORTED_TARGET dxflib)
+
 # OpenSceneGraph: the scene graph of the host's 3D view and its offscreen pictures.
 find_package(OpenSceneGraph 3.6 REQUIRED COMPONENTS osgDB osgUtil osgViewer osgGA)
 add_library(bxq_osg INTERFACE)

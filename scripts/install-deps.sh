@@ -13,6 +13,7 @@ packages=(
   libopenscenegraph-dev libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri libeigen3-dev
   clang-14 libclang-rt-14-dev
   fonts-wqy-microhei xvfb xauth
+  libdxflib-dev python3-ezdxf dpkg-dev nodejs
 )
 
 missing=()

@@ -4,6 +4,7 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
 scripts/install-deps.sh
+scripts/install-npm-deps.sh
 cmake --preset default >/dev/null
 cmake --build --preset default
 ctest --preset default

@@ -31,14 +31,8 @@ section::SKRHotRollingLookup catalogueRow(const QString& name, QString* error) {
 
 }  // namespace
 
-bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note) {
-    SKROutline drawn;
-    if (!specificationOutline(specification, drawn, error, note)) return false;
-    outline = outlineText(drawn);
-    return true;
-}
-
-bool specificationOutline(const QString& specification, SKROutline& outline, QString* error, QString* note) {
+bool specificationOutlineParams(const QString& specification, int& sectionType, QMap<QString, double>& params,
+                                QString* error, QString* note) {
     SKRSectionPolyInfoParser parser;
     parser.parser(specification);
     const GSectionPolyInfo info = parser.sectionPolyInfo();
@@ -51,7 +45,8 @@ bool specificationOutline(const QString& specification, SKROutline& outline, QSt
         if (error) *error = QStringLiteral("'%1' is not a section specification").arg(specification);
         return false;
     }
-    QMap<QString, double> params;
+    params.clear();
+    sectionType = info.sectionType;
     const section::SKRHotRollingLookup row = catalogueRow(info.name, &reason);
     if (!reason.isEmpty()) {
         if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
@@ -67,10 +62,25 @@ bool specificationOutline(const QString& specification, SKROutline& outline, QSt
     } else if (hasCatalogueRadii(info.sectionType) && note) {
         *note = QStringLiteral("%1 is not in the catalogue; drawn without its root radius").arg(info.name);
     }
-    if (!sectionOutline(info.sectionType, params, outline, &reason)) {
+    return true;
+}
+
+bool specificationOutline(const QString& specification, SKROutline& outline, QString* error, QString* note) {
+    int sectionType = -1;
+    QMap<QString, double> params;
+    if (!specificationOutlineParams(specification, sectionType, params, error, note)) return false;
+    QString reason;
+    if (!sectionOutline(sectionType, params, outline, &reason)) {
         if (error) *error = QStringLiteral("'%1': %2").arg(specification, reason);
         return false;
     }
+    return true;
+}
+
+bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note) {
+    SKROutline drawn;
+    if (!specificationOutline(specification, drawn, error, note)) return false;
+    outline = outlineText(drawn);
     return true;
 }
 

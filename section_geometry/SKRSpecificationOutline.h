@@ -5,6 +5,7 @@
 
 #include "section_geometry/SKROutlineBuilder.h"
 
+#include <QMap>
 #include <QString>
 
 namespace skr {
@@ -15,6 +16,9 @@ namespace geometry {
 bool specificationOutline(const QString& specification, SKROutline& outline, QString* error, QString* note = nullptr);
 // The same outline as text.
 bool specificationOutline(const QString& specification, QString& outline, QString* error, QString* note = nullptr);
+// The section type and the dimensions by code that specificationOutline draws the outline from.
+bool specificationOutlineParams(const QString& specification, int& sectionType, QMap<QString, double>& params,
+                                QString* error, QString* note = nullptr);
 
 }  // namespace geometry
 }  // namespace skr

@@ -142,7 +142,7 @@ const char* exampleOf(const QStringList& arguments) {
         {"user-section remove", "bxq user-section remove --project p.KDB --type 9 --sub 1"},
         {"user-section list", "bxq user-section list --project p.KDB --json"},
         {"face-steel", "bxq face-steel 1 6"},
-        {"outline", "bxq outline --section I20a --svg i20a.svg"},
+        {"outline", "bxq outline --section I20a --svg i20a.svg --dxf i20a.dxf"},
         {"member", "bxq member add --project p.KDB --section H400*200*8*13 --from 0,0,0 --to 6000,0,0"},
         {"member add", "bxq member add --project p.KDB --section I20a --from 0,0,0 --to 0,0,3000 --roll 90"},
         {"member list", "bxq member list --project p.KDB --json"},
@@ -154,6 +154,7 @@ const char* exampleOf(const QStringList& arguments) {
         {"cut-plane remove", "bxq cut-plane remove --project p.KDB 2"},
         {"view", "bxq view --project p.KDB --png view.png --size 800x600 --view iso --select 1"},
         {"gui", "bxq gui --project p.KDB --lang en"},
+        {"export", "bxq export --project p.KDB --ifc p.ifc --as 3=column"},
     };
     const QString verb = arguments.value(0);
     for (int i = 1; i < arguments.size(); ++i) {

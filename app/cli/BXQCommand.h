@@ -78,6 +78,7 @@ int runMember(const QStringList& arguments);
 int runCutPlane(const QStringList& arguments);
 int runView(const QStringList& arguments);
 int runFaceSteel(const QStringList& arguments);
+int runExport(const QStringList& arguments);
 int runOutline(const QStringList& arguments);
 
 }  // namespace bxq

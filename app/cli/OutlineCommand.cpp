@@ -3,6 +3,8 @@
 #include "app/cli/BXQCommand.h"
 #include "app/BXQDataSession.h"
 
+#include "exchange/SKROutlineDxfWriter.h"
+
 #include "section_geometry/SKROutlineCheck.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 #include "section_geometry/SKRSpecificationOutline.h"
@@ -162,6 +164,10 @@ int runOutline(const QStringList& arguments) {
                    QStringLiteral("SPEC")});
     cli.addOption({QStringLiteral("svg"), QStringLiteral("Also write a picture of the outline to FILE."),
                    QStringLiteral("FILE")});
+    cli.addOption({QStringLiteral("dxf"),
+                   QStringLiteral("Also write the outline to FILE as DXF (closed polylines with true arcs, mm, on a "
+                                  "layer named after the section)."),
+                   QStringLiteral("FILE")});
     cli.addOption({QStringLiteral("json"), QStringLiteral("One JSON object.")});
     cli.addPositionalArgument(QStringLiteral("text"), QStringLiteral("An outline text (\"x,y,value,kind;...|||...\")."),
                               QStringLiteral("TEXT"));
@@ -191,6 +197,11 @@ int runOutline(const QStringList& arguments) {
     if (cli.isSet(QStringLiteral("svg")) &&
         !writeFile(cli.value(QStringLiteral("svg")), svgPicture(*polygon, properties), &error))
         return dataError(error);
+    if (cli.isSet(QStringLiteral("dxf"))) {
+        const QString layer = skr::exchange::dxfLayerName(bySection ? cli.value(QStringLiteral("section")) : QString());
+        if (!skr::exchange::writeOutlineDxf(*polygon, layer, cli.value(QStringLiteral("dxf")), &error))
+            return dataError(error);
+    }
     const QByteArray out =
         cli.isSet(QStringLiteral("json")) ? jsonReport(properties, outline) : humanReport(properties, bySection ? outline : QString());
     std::fwrite(out.constData(), 1, static_cast<size_t>(out.size()), stdout);

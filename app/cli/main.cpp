@@ -29,7 +29,7 @@ const char kUsage[] =
     "  user-section list --project FILE [--json]\n"
     "                                      a project's own hot-rolled sections\n"
     "  face-steel CLASS THICKNESS          weight per square metre (kg/m2) of a face-steel plate\n"
-    "  outline TEXT|--section SPEC [--svg FILE] [--json]\n"
+    "  outline TEXT|--section SPEC [--svg FILE] [--dxf FILE] [--json]\n"
     "                                      area, perimeter, box, centroid and moments of an outline\n"
     "  member add --project FILE --section SPEC --from X,Y,Z --to X,Y,Z [--roll DEG]\n"
     "  member list --project FILE [--json]\n"
@@ -43,6 +43,8 @@ const char kUsage[] =
     "                                      cutting planes of members (normal towards the part kept)\n"
     "  view --project FILE [--json] [--png FILE] [--size WxH] [--view iso|front|top|right] [--select RECORD]...\n"
     "                                      the members and their cutting planes as the 3D view shows them\n"
+    "  export --project FILE --ifc FILE [--unit mm|m] [--grade NAME] [--as ID=KIND]... [--json]\n"
+    "                                      the members as IFC4 (beams, columns, members with profiles and cuts)\n"
     "every verb takes --help\n"
     "exit status: 0 done, 1 a database or project that cannot be used or a refused change, 2 usage\n";
 
@@ -79,6 +81,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("member"), bxq::runMember},
         {QStringLiteral("cut-plane"), bxq::runCutPlane},
         {QStringLiteral("view"), bxq::runView},
+        {QStringLiteral("export"), bxq::runExport},
     };
     const auto verb = verbs.find(arguments[1]);
     if (verb == verbs.end()) return bxq::usageError(QStringLiteral("unknown verb '%1' (try bxq --help)").arg(arguments[1]));

@@ -5,6 +5,7 @@
 #include "app/cli/BXQCommand.h"
 #include "app/view/BXQModelScene.h"
 #include "body_builder/SKRMemberSolidShape.h"
+#include "exchange/SKRIfcProjectExport.h"
 #include "face_steel/BXQFaceSteelDialog.h"
 #include "solid_split/SKRCuttingPlaneStore.h"
 #include "ndp/NDPDatabase.h"
@@ -24,6 +25,8 @@
 #include <QCloseEvent>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QHeaderView>
 #include <QInputDialog>
@@ -132,6 +135,8 @@ BXQMainWindow::BXQMainWindow(QWidget* parent) : QMainWindow(parent) {
     m_pRedo = new QAction(text("恢复"), this);
     m_pSave = new QAction(text("保存"), this);
     QAction* quit = new QAction(text("退出"), this);
+    QAction* exportIfcAction = new QAction(text("导出 IFC..."), this);
+    connect(exportIfcAction, &QAction::triggered, this, &BXQMainWindow::exportIfcAsked);
     m_pUndo->setShortcut(QKeySequence::Undo);
     m_pRedo->setShortcut(QKeySequence::Redo);
     m_pSave->setShortcut(QKeySequence::Save);
@@ -143,6 +148,7 @@ BXQMainWindow::BXQMainWindow(QWidget* parent) : QMainWindow(parent) {
     connect(quit, &QAction::triggered, this, &QWidget::close);
     QMenu* project = menuBar()->addMenu(text("项目"));
     project->addAction(m_pSave);
+    project->addAction(exportIfcAction);
     project->addAction(quit);
     QMenu* edit = menuBar()->addMenu(text("编辑"));
     edit->addAction(m_pUndo);
@@ -532,6 +538,33 @@ void BXQMainWindow::moveSelectedPlaneAsked() {
 void BXQMainWindow::deleteSelectedPlaneAsked() {
     QString error;
     if (selectedPlane() >= 0 && !deleteSelectedPlane(&error)) VMPMessageBox::warning(this, text("提示"), error);
+}
+
+bool BXQMainWindow::exportIfc(const QString& path, QString* error) {
+    QProgressDialog progress(text("正在导出 IFC..."), text("取消"), 0, 0, this);
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(1000);
+    skr::exchange::SKRIfcExportOptions options;
+    options.projectName = QFileInfo(m_session.projectPath()).completeBaseName();
+    options.progress = [&progress](int done, int total) {
+        progress.setMaximum(total);
+        progress.setValue(done);
+        return !progress.wasCanceled();
+    };
+    const bool written = skr::exchange::exportProjectIfc(m_session.project(), path, options, nullptr, error);
+    progress.close();
+    return written;
+}
+
+void BXQMainWindow::exportIfcAsked() {
+    const QString suggested = QFileInfo(m_session.projectPath()).completeBaseName() + QStringLiteral(".ifc");
+    const QString path = QFileDialog::getSaveFileName(this, text("导出 IFC"), suggested, QStringLiteral("IFC (*.ifc)"));
+    if (path.isEmpty()) return;
+    QString error;
+    if (exportIfc(path, &error))
+        statusBar()->showMessage(text("已导出 %1").arg(QDir::toNativeSeparators(path)), 4000);
+    else
+        VMPMessageBox::warning(this, text("提示"), error);
 }
 
 bool BXQMainWindow::save() {

@@ -56,6 +56,8 @@ public:
     bool addCuttingPlaneAt(std::int64_t memberId, const ndp::CVector3& point, QString* error);
     bool moveSelectedPlane(double distance, QString* error);
     bool deleteSelectedPlane(QString* error);
+    // Writes the project's members as IFC4 to path, with a progress dialog that can cancel it.
+    bool exportIfc(const QString& path, QString* error);
 
 public slots:
     // What a click in the view does: toggles a plane (alone), or adds a plane where a member was
@@ -64,6 +66,7 @@ public slots:
     void addMemberFromLibrary();
     void moveSelectedPlaneAsked();
     void deleteSelectedPlaneAsked();
+    void exportIfcAsked();
     void openSectionLibrary();
     void openFaceSteel();
     void undo();

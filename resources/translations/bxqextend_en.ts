@@ -362,6 +362,22 @@
         <translation>Delete cutting plane</translation>
     </message>
     <message>
+        <source>导出 IFC...</source>
+        <translation>Export IFC...</translation>
+    </message>
+    <message>
+        <source>导出 IFC</source>
+        <translation>Export IFC</translation>
+    </message>
+    <message>
+        <source>正在导出 IFC...</source>
+        <translation>Exporting IFC...</translation>
+    </message>
+    <message>
+        <source>已导出 %1</source>
+        <translation>Exported %1</translation>
+    </message>
+    <message>
         <source>取消</source>
         <translation>Cancel</translation>
     </message>

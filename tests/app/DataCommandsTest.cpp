@@ -351,7 +351,8 @@ TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
     refused({"catalogue"}, catalogue);
     refused({"face-steel", "1", "20"}, plates);
     const BxqRun missing = bxq(empty.path(), {"apm", "I20a"});
-    EXPECT_EQ(QString::fromUtf8(missing.err).trimmed(), QStringLiteral("bxq: [%1]文件不存在").arg(catalogue));
+    EXPECT_EQ(QString::fromUtf8(missing.err).trimmed(),
+              QStringLiteral("bxq: [%1]文件不存在 (looked in BXQ_DATA_DIR=%2)").arg(catalogue, empty.path()));
 
     for (const QString& path : {catalogue, plates}) {
         QFile garbage(path);

@@ -17,6 +17,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
+#include <QMenu>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -232,6 +234,28 @@ TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
     EXPECT_TRUE(saveScreen(*m_window, QStringLiteral("bxq_model_view")));
 }
 
+TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenu) {
+    QAction* exportAction = nullptr;
+    QMenu* projectMenu = nullptr;
+    for (QAction* action : m_window->menuBar()->actions())
+        for (QAction* item : action->menu() ? action->menu()->actions() : QList<QAction*>())
+            if (item->text() == QStringLiteral("导出 IFC...")) exportAction = item, projectMenu = action->menu();
+    ASSERT_NE(exportAction, nullptr);
+    projectMenu->popup(m_window->mapToGlobal(QPoint(0, 0)));
+    EXPECT_TRUE(saveScreen(*projectMenu, QStringLiteral("bxq_project_menu")));
+    projectMenu->hide();
+    QString error;
+    const QString path = m_dir.filePath(QStringLiteral("p.ifc"));
+    ASSERT_TRUE(m_window->exportIfc(path, &error)) << error.toStdString();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    EXPECT_EQ(text.count("=IFCBEAM("), 1);
+    EXPECT_TRUE(text.contains("IFCISHAPEPROFILEDEF(.AREA.,'H400*200*8*13',")) << text.constData();
+    EXPECT_FALSE(m_window->exportIfc(m_dir.filePath(QStringLiteral("no/such/folder/p.ifc")), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("no/such/folder/p.ifc"))) << error.toStdString();
+}
+
 TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     bxq::BXQMainWindow english;
@@ -241,6 +265,13 @@ TEST_F(ModelView, SpeaksEnglishInItsModelCommands) {
     for (QAction* action : english.menuBar()->actions()) menus << action->text();
     EXPECT_TRUE(menus.contains("Model")) << menus.join(',').toStdString();
     EXPECT_TRUE(menus.contains("View")) << menus.join(',').toStdString();
+    QMenu* project = english.menuBar()->actions().first()->menu();
+    QStringList projectItems;
+    for (QAction* action : project->actions()) projectItems << action->text();
+    EXPECT_TRUE(projectItems.contains("Export IFC...")) << projectItems.join(',').toStdString();
+    project->popup(english.mapToGlobal(QPoint(0, 0)));
+    EXPECT_TRUE(saveScreen(*project, QStringLiteral("bxq_project_menu_en")));
+    project->hide();
     english.resize(1280, 760);
     english.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
