@@ -79,5 +79,6 @@ int runCutPlane(const QStringList& arguments);
 int runView(const QStringList& arguments);
 int runFaceSteel(const QStringList& arguments);
 int runOutline(const QStringList& arguments);
+int runProperties(const QStringList& arguments);
 
 }  // namespace bxq
