@@ -28,12 +28,14 @@ void SKRSectionPreview::setOutline(const QString& outline, const QString& failur
     m_path = QPainterPath();
     m_caption = failure;
     update();
+    emit polygonChanged(nullptr);
 }
 
 void SKRSectionPreview::setPolygon(const ndp::CPolygon& polygon) {
     m_path = skr::geometry::sectionPath(polygon);
     m_caption = QStringLiteral("A = %1 mm²").arg(skr::geometry::SectionProperties(polygon).area, 0, 'f', 1);
     update();
+    emit polygonChanged(&polygon);
 }
 
 void SKRSectionPreview::paintEvent(QPaintEvent*) {

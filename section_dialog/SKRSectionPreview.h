@@ -2,13 +2,11 @@
 // its outline as the values change.
 #pragma once
 
+#include "ndp/NDPPolygon.h"
+
 #include <QMap>
 #include <QPainterPath>
 #include <QWidget>
-
-namespace ndp {
-class CPolygon;
-}
 
 class SKRSectionPreview : public QWidget {
     Q_OBJECT
@@ -23,6 +21,10 @@ public:
     void clear();
 
     QSize sizeHint() const override { return QSize(200, 200); }
+
+signals:
+    // The section now drawn, null when there is none (for the figures beside the drawing).
+    void polygonChanged(const ndp::CPolygon* polygon);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

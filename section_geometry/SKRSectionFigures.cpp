@@ -294,31 +294,51 @@ constexpr int kCacheLimit = 1024;
 
 }  // namespace
 
+namespace {
+
+bool cachedFigures(const QString& key, SKRSectionFigures& out) {
+    std::lock_guard<std::mutex> lock(cache().mutex);
+    const auto found = cache().entries.constFind(key);
+    if (found == cache().entries.constEnd()) return false;
+    out = found.value();
+    return true;
+}
+
+bool computeAndKeep(const CPolygon& polygon, const QString& key, SKRSectionFigures& out, QString* error) {
+    if (!checkSectionOutline(polygon, error)) return false;
+    SKRSectionFigures figures;
+    figures.exact = ExactSectionFigures(polygon);
+    if (!WarpingSectionFigures(polygon, figures.warping, error)) return false;
+    std::lock_guard<std::mutex> lock(cache().mutex);
+    if (cache().entries.size() >= kCacheLimit) cache().entries.clear();
+    cache().entries.insert(key, figures);
+    out = figures;
+    return true;
+}
+
+}  // namespace
+
 bool SectionFigures(const QString& outlineText, SKRSectionFigures& out, QString* error) {
-    {
-        std::lock_guard<std::mutex> lock(cache().mutex);
-        const auto found = cache().entries.constFind(outlineText);
-        if (found != cache().entries.constEnd()) {
-            out = found.value();
-            return true;
-        }
-    }
+    if (cachedFigures(outlineText, out)) return true;
     const std::unique_ptr<CPolygon> polygon =
         outlineText.trimmed().isEmpty() ? nullptr : ParseSectionPolygon(outlineText);
     if (!polygon || polygon->IsEmpty()) {
         if (error) *error = QStringLiteral("the outline text has no loop");
         return false;
     }
-    if (!checkSectionOutline(*polygon, error)) return false;
-    SKRSectionFigures figures;
-    figures.exact = ExactSectionFigures(*polygon);
-    if (!WarpingSectionFigures(*polygon, figures.warping, error)) return false;
-    std::lock_guard<std::mutex> lock(cache().mutex);
-    if (cache().entries.size() >= kCacheLimit) cache().entries.clear();
-    cache().entries.insert(outlineText, figures);
-    out = figures;
-    return true;
+    return computeAndKeep(*polygon, outlineText, out, error);
 }
+
+bool SectionFigures(const CPolygon& polygon, const QString& key, SKRSectionFigures& out, QString* error) {
+    if (cachedFigures(key, out)) return true;
+    if (polygon.IsEmpty()) {
+        if (error) *error = QStringLiteral("the outline has no loop");
+        return false;
+    }
+    return computeAndKeep(polygon, key, out, error);
+}
+
+bool KnownSectionFigures(const QString& key, SKRSectionFigures& out) { return cachedFigures(key, out); }
 
 void ClearSectionFiguresCache() {
     std::lock_guard<std::mutex> lock(cache().mutex);

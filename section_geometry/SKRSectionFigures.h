@@ -99,6 +99,13 @@ BXQEXTEND_EXPORT bool WarpingSectionFigures(const ndp::CPolygon& polygon, SKRWar
 // outline or whose section cannot be meshed.
 BXQEXTEND_EXPORT bool SectionFigures(const QString& outlineText, SKRSectionFigures& out, QString* error = nullptr);
 
+// The same for a polygon that has no outline text (a user-drawn custom section), kept under key.
+BXQEXTEND_EXPORT bool SectionFigures(const ndp::CPolygon& polygon, const QString& key, SKRSectionFigures& out,
+                                     QString* error = nullptr);
+
+// The kept figures under key (an outline text or a polygon's key), without computing any.
+BXQEXTEND_EXPORT bool KnownSectionFigures(const QString& key, SKRSectionFigures& out);
+
 // Forgets the kept results (for measurements that must compute afresh).
 BXQEXTEND_EXPORT void ClearSectionFiguresCache();
 
