@@ -1,7 +1,10 @@
 // The section figures beside the dialogs' drawings: exact figures at once in table units, the
 // finite-element ones once typing pauses, both following the values as they change.
+#include "section_dialog/SKRHotRollingInfoWidget.h"
 #include "section_dialog/SKRSectionFiguresPanel.h"
 #include "section_dialog/SKRSectionPreview.h"
+
+#include "support/Screens.h"
 
 #include <gtest/gtest.h>
 
@@ -44,6 +47,26 @@ TEST(SectionFiguresPanel, FollowsTheDrawnSectionInTableUnits) {
     // Values that make no section clear the figures.
     preview.setSection(11, weldedH(4));
     EXPECT_TRUE(panel.figuresText().isEmpty());
+}
+
+// The catalogue's info row, as low as the dialog makes it, holds the figures beside the drawing.
+TEST(SectionFiguresPanel, CatalogueInfoRowShowsTheRowsFigures) {
+    skr::section::SKRHotRollingSection row;
+    row.sectionType = 7;
+    row.standardName = L"HN400*200*8*13";
+    row.weightMeter = 65.4;
+    row.area = 1.56;
+    row.params = {{L"h", 400}, {L"b", 200}, {L"tw", 8}, {L"t", 13}, {L"r", 13}};
+    SKRHotRollingInfoWidget info;
+    info.resize(650, 190);
+    info.showSection(&row);
+    auto* panel = info.findChild<SKRSectionFiguresPanel*>(QStringLiteral("sectionFigures"));
+    ASSERT_NE(panel, nullptr);
+    // The published row: A 83.37 cm2, Ix 23500 cm4.
+    EXPECT_EQ(line(panel->figuresText(), "A"), QStringLiteral("A 83.37 cm²"));
+    QTRY_VERIFY_WITH_TIMEOUT(!panel->warpingPending(), 5000);
+    info.show();
+    EXPECT_TRUE(saveScreen(info, QStringLiteral("section_figures_catalogue")));
 }
 
 }  // namespace
