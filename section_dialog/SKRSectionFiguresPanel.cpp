@@ -99,6 +99,11 @@ QString SKRSectionFiguresPanel::figuresText() const {
         add(QStringLiteral("Iw"), w.iw / 1e6, QStringLiteral("cm⁶"));
         add(QStringLiteral("xs"), w.xs / 10, QStringLiteral("cm"));
         add(QStringLiteral("ys"), w.ys / 10, QStringLiteral("cm"));
+        // Monosymmetry, where the section has it (unequal flanges, a T).
+        const double depth = e.box.Max().y - e.box.Min().y;
+        const double width = e.box.Max().x - e.box.Min().x;
+        if (std::fabs(w.betaX) > 1e-3 * depth) add(QStringLiteral("βx"), w.betaX / 10, QStringLiteral("cm"));
+        if (std::fabs(w.betaY) > 1e-3 * width) add(QStringLiteral("βy"), w.betaY / 10, QStringLiteral("cm"));
     } else if (!m_oFailure.isEmpty()) {
         lines << m_oFailure;
     } else {

@@ -248,7 +248,17 @@ bool WarpingSectionFigures(const CPolygon& polygon, SKRWarpingFigures& out, QStr
         SKRSectionMesh mesh;
         if (!MeshSection(polygon, size, mesh, error)) return false;
         SKRWarpingFigures current;
-        if (!SolveWarping(mesh, kSteelPoissonRatio, current, error)) return false;
+        double meshArea = 0.0;
+        if (!SolveWarping(mesh, kSteelPoissonRatio, current, error, &meshArea)) return false;
+        // The mesh must cover the outline: a triangle kept outside it or lost inside shows here.
+        if (std::fabs(meshArea - p.area) > 1e-3 * p.area) {
+            if (error)
+                *error = QStringLiteral("the mesh of %1 mm covers %2 mm2 of the section's %3 mm2")
+                             .arg(size, 0, 'g', 3)
+                             .arg(meshArea, 0, 'g', 6)
+                             .arg(p.area, 0, 'g', 6);
+            return false;
+        }
         current.meshSize = size;
         current.elements = static_cast<int>(mesh.elements.size());
         current.nodes = static_cast<int>(mesh.nodes.size());
