@@ -239,6 +239,31 @@ TEST(SectionFigures, WarpingOfASlopedFlangeChannelFollowsItsMidLine) {
     EXPECT_GT(even, 1.1 * c.warping.iw);
 }
 
+// Monosymmetry of an I with unequal flanges: beta_x = (1/Ix) integral of y (x^2 + y^2) dA - 2 ys,
+// the integral exact over the three plates, the shear centre where thin-walled theory puts it
+// (between the flanges' mid-lines in the ratio of their second moments).
+TEST(SectionFigures, MonosymmetryOfAnIWithUnequalFlanges) {
+    const double h = 400, b1 = 250, t1 = 16, b2 = 150, t2 = 12, tw = 8;  // wide flange on top
+    const double l1 = (b1 - tw) / 2, l2 = (b2 - tw) / 2, o2 = (b1 - b2) / 2;
+    const SKRSectionFigures f = figuresOf(polygonText({{o2, 0}, {o2 + b2, 0}, {o2 + b2, t2}, {o2 + l2 + tw, t2},
+                                                       {l1 + tw, h - t1}, {b1, h - t1}, {b1, h}, {0, h},
+                                                       {0, h - t1}, {l1, h - t1}, {o2 + l2, t2}, {o2, t2}}));
+    const double xc = f.exact.xc, yc = f.exact.yc;
+    // Integral of y (x^2 + y^2) over a plate [x0, x1] x [y0, y1], x and y from the centroid.
+    auto plate = [&](double x0, double x1, double y0, double y1) {
+        x0 -= xc, x1 -= xc, y0 -= yc, y1 -= yc;
+        return (std::pow(x1, 3) - std::pow(x0, 3)) / 3 * (y1 * y1 - y0 * y0) / 2 +
+               (x1 - x0) * (std::pow(y1, 4) - std::pow(y0, 4)) / 4;
+    };
+    const double cubic = plate(0, b1, h - t1, h) + plate(o2, o2 + b2, 0, t2) + plate(l1, l1 + tw, t2, h - t1);
+    const double top = t1 * std::pow(b1, 3) / 12, bottom = t2 * std::pow(b2, 3) / 12;
+    const double hf = h - t1 / 2 - t2 / 2;
+    const double ys = h - t1 / 2 - hf * bottom / (top + bottom) - yc;
+    EXPECT_NEAR(f.warping.ys, ys, 0.01 * hf) << "shear centre";
+    expectRelative(f.warping.betaX, cubic / f.exact.ix - 2 * ys, 0.02, "beta_x");
+    EXPECT_NEAR(f.warping.betaY, 0.0, 1e-4 * h) << "symmetric about y";
+}
+
 TEST(SectionFigures, ShearAreaOfARectangleWithoutPoissonIsFiveSixths) {
     const std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::ParseSectionPolygon(rectangleText(60, 20));
     skr::geometry::SKRSectionMesh mesh;
