@@ -164,7 +164,8 @@ int runProperties(const QStringList& arguments) {
         QString error;
         QString note;
         if (!skr::geometry::specificationOutline(texts[i], outline, &error, &note)) {
-            warn(QStringLiteral("%1: %2").arg(texts[i], error));
+            // The reason names the text already when it quotes it.
+            warn(error.contains(texts[i]) ? error : QStringLiteral("%1: %2").arg(texts[i], error));
             failed = true;
             continue;
         }
