@@ -240,6 +240,9 @@ bool WarpingSectionFigures(const CPolygon& polygon, SKRWarpingFigures& out, QStr
     // The first mesh: two elements across a wall of the section's mean thickness (2A / perimeter),
     // and at least some eight along the side of a compact one.
     double size = std::min(p.area / p.perimeter, std::sqrt(p.area) / 8.0);
+    // Very slender outlines (a plate of 1000 to 1) would need millions of elements of that size:
+    // the meshes stay within kMaxWarpingElements, and figures that did not converge say so.
+    size = std::max(size, std::sqrt(p.area / (0.43 * kMaxWarpingElements)));
     const double polar = p.ix + p.iy;
     const double width = std::max(p.box.Max().x - p.box.Min().x, p.box.Max().y - p.box.Min().y);
     SKRWarpingFigures previous;
@@ -281,6 +284,7 @@ bool WarpingSectionFigures(const CPolygon& polygon, SKRWarpingFigures& out, QStr
         }
         previous = current;
         havePrevious = true;
+        if (current.elements / 0.36 > kMaxWarpingElements) break;
     }
     out = previous;
     return true;

@@ -86,11 +86,15 @@ struct SKRSectionFigures {
 // converged (each mesh's element size is 0.6 times the one before).
 constexpr double kWarpingTolerance = 0.005;
 
+// The largest mesh the warping figures are worked out on (about a second's work).
+constexpr int kMaxWarpingElements = 60000;
+
 // The exact figures of a checked outline polygon (outer loop first, then its holes).
 BXQEXTEND_EXPORT SKRExactFigures ExactSectionFigures(const ndp::CPolygon& polygon);
 
 // The warping figures of a checked outline polygon, refined until two successive meshes agree
-// to kWarpingTolerance. False, with the reason, when no mesh could be made of it.
+// to kWarpingTolerance or the next mesh would pass kMaxWarpingElements (converged then false).
+// False, with the reason, when no mesh could be made of it.
 BXQEXTEND_EXPORT bool WarpingSectionFigures(const ndp::CPolygon& polygon, SKRWarpingFigures& out,
                                             QString* error = nullptr);
 

@@ -147,6 +147,12 @@ int runProperties(const QStringList& arguments) {
             failed = true;
             return;
         }
+        if (!figures.warping.converged)
+            warn(QStringLiteral("%1: J, Iw, the shear centre and the shear areas did not settle to 0.5 % (last mesh "
+                                "%2 mm, %3 elements)")
+                     .arg(section)
+                     .arg(figures.warping.meshSize, 0, 'g', 3)
+                     .arg(figures.warping.elements));
         print(row(format, section, figures, cm));
     };
     for (const QString& outline : outlines) report(outline, outline);
