@@ -246,6 +246,7 @@ bool WarpingSectionFigures(const CPolygon& polygon, SKRWarpingFigures& out, QStr
     const double polar = p.ix + p.iy;
     const double width = std::max(p.box.Max().x - p.box.Min().x, p.box.Max().y - p.box.Min().y);
     SKRWarpingFigures previous;
+    SKRWarpingFigures result;
     bool havePrevious = false;
     for (int level = 0; level < 6; ++level, size *= 0.6) {
         SKRSectionMesh mesh;
@@ -278,15 +279,20 @@ bool WarpingSectionFigures(const CPolygon& polygon, SKRWarpingFigures& out, QStr
                                close(current.asx, previous.asx, 0.0) && close(current.asy, previous.asy, 0.0);
             if (agree) {
                 current.converged = true;
-                out = current;
-                return true;
+                result = current;
+                break;
             }
         }
         previous = current;
         havePrevious = true;
         if (current.elements / 0.36 > kMaxWarpingElements) break;
     }
-    out = previous;
+    if (!result.converged) result = previous;
+    // The mesh is not symmetric where the section is: offsets far below what it resolves are
+    // those of a symmetric section, zero.
+    for (double* offset : {&result.xs, &result.ys, &result.betaX, &result.betaY})
+        if (std::fabs(*offset) < 1e-5 * width) *offset = 0.0;
+    out = result;
     return true;
 }
 
