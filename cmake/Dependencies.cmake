@@ -10,6 +10,9 @@ if(BXQ_BUILD_BENCH)
   find_package(benchmark REQUIRED)
 endif()
 
+# Eigen: the sparse solver of the section warping figures (header-only).
+find_package(Eigen3 3.3 REQUIRED NO_MODULE)
+
 # OpenCASCADE: the geometry kernel of the platform's bodies and of the body builders. Its package
 # configuration also adds OCCT's own build switches (HAVE_TBB, ...) to this directory's targets;
 # they are put back as they were, and the toolkits are linked through bxq_occt only.

@@ -1,6 +1,7 @@
 // The hot-rolled section's figures and drawing.
 #include "section_dialog/SKRHotRollingInfoWidget.h"
 
+#include "section_dialog/SKRSectionFiguresPanel.h"
 #include "section_dialog/SKRSectionPreview.h"
 #include "section_geometry/SKRSectionOutline.h"
 
@@ -13,7 +14,10 @@ QString text(const char* source) { return QCoreApplication::translate("SKRSectio
 }  // namespace
 
 SKRHotRollingInfoWidget::SKRHotRollingInfoWidget(QWidget* parent)
-    : QWidget(parent), m_pFigures(new QLabel(this)), m_pPreview(new SKRSectionPreview(this)) {
+    : QWidget(parent),
+      m_pFigures(new QLabel(this)),
+      m_pPreview(new SKRSectionPreview(this)),
+      m_pSectionFigures(new SKRSectionFiguresPanel(this)) {
     m_pFigures->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_pFigures->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_pFigures->setMinimumWidth(150);
@@ -21,6 +25,8 @@ SKRHotRollingInfoWidget::SKRHotRollingInfoWidget(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_pFigures);
     layout->addWidget(m_pPreview, 1);
+    layout->addWidget(m_pSectionFigures);
+    connect(m_pPreview, &SKRSectionPreview::polygonChanged, m_pSectionFigures, &SKRSectionFiguresPanel::showPolygon);
 }
 
 void SKRHotRollingInfoWidget::showSection(const skr::section::SKRHotRollingSection* section) {

@@ -1,5 +1,5 @@
 // SKRHotRollingInfoWidget: the figures of the hot-rolled section chosen in the section dialog's
-// list (dimensions, kg/m, m2/m) with its live drawing; it announces a section added or edited
+// list (dimensions, kg/m, m2/m) with its live drawing and its section figures; it announces a section added or edited
 // through the custom-section dialog so that the list can show it.
 #pragma once
 
@@ -8,6 +8,7 @@
 #include <QWidget>
 
 class QLabel;
+class SKRSectionFiguresPanel;
 class SKRSectionPreview;
 
 class SKRHotRollingInfoWidget : public QWidget {
@@ -28,4 +29,5 @@ signals:
 private:
     QLabel* m_pFigures;
     SKRSectionPreview* m_pPreview;
+    SKRSectionFiguresPanel* m_pSectionFigures;
 };

@@ -4,6 +4,7 @@
 #include "section_dialog/SKRNumericValidator.h"
 #include "section_spec/SKRPolyParamManger.h"
 #include "section_spec/SKRRangeRule.h"
+#include "section_dialog/SKRSectionFiguresPanel.h"
 #include "section_dialog/SKRSectionPreview.h"
 
 #include <QHBoxLayout>
@@ -48,7 +49,10 @@ SKRParamEditor::SKRParamEditor(QWidget* parent)
     auto* top = new QHBoxLayout;
     top->addWidget(m_pFieldArea);
     top->addWidget(m_pPreview, 1);
+    auto* figures = new SKRSectionFiguresPanel(this);
+    connect(m_pPreview, &SKRSectionPreview::polygonChanged, figures, &SKRSectionFiguresPanel::showPolygon);
     layout->addLayout(top);
+    layout->addWidget(figures);
     layout->addWidget(m_pHint);
     layout->addWidget(m_pMessage);
     connect(m_pFinishMapper, &QSignalMapper::mappedInt, this, &SKRParamEditor::editingFinish);

@@ -15,6 +15,7 @@
 #include "section_dialog/SKRPolyImgTableModel.h"
 #include "section_spec/SKRSectionTypeTable.h"
 #include "section_spec/SKRPolyParamManger.h"
+#include "section_dialog/SKRSectionFiguresPanel.h"
 #include "section_dialog/SKRSectionPreview.h"
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
@@ -278,8 +279,15 @@ QWidget* SKRSectionPolyDialog::createRightWidget() {
     m_pStack->addWidget(m_pHintPage);
     m_pStack->addWidget(createHotRolledPage());
     m_pStack->addWidget(createParamPage());
-    m_pCustomPreview = new SKRSectionPreview(right);
-    m_pStack->addWidget(m_pCustomPreview);
+    auto* customPage = new QWidget(right);
+    m_pCustomPreview = new SKRSectionPreview(customPage);
+    auto* customFigures = new SKRSectionFiguresPanel(customPage);
+    auto* customLayout = new QHBoxLayout(customPage);
+    customLayout->setContentsMargins(0, 0, 0, 0);
+    customLayout->addWidget(m_pCustomPreview, 1);
+    customLayout->addWidget(customFigures);
+    connect(m_pCustomPreview, &SKRSectionPreview::polygonChanged, customFigures, &SKRSectionFiguresPanel::showPolygon);
+    m_pStack->addWidget(customPage);
 
     m_pSingleMember = new VantorCheckBox(text("单构件输入"), right);
     m_pSingleMember->setChecked(false);
@@ -359,7 +367,7 @@ void SKRSectionPolyDialog::showHotRollWidget(const QModelIndex& index) {
         m_pCustomPreview->setPolygon(*custom.polygon);
         m_iSelectionKind = 0;
         m_pSectionStyleButton->setEnabled(false);
-        m_pStack->setCurrentWidget(m_pCustomPreview);
+        m_pStack->setCurrentWidget(m_pCustomPreview->parentWidget());
     } else if (isCatalogueType(item->polyId)) {
         m_pParamManager->setSectionType(item->polyId);
         m_pHotRolledFilter->setSectionType(item->polyId);

@@ -21,9 +21,7 @@ void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>&
                              ? skr::geometry::outlinePolygon(outline)
                              : nullptr;
     if (polygon) return setPolygon(*polygon);
-    m_path = QPainterPath();
-    m_caption = error;
-    update();
+    showFailure(error);
 }
 
 void SKRSectionPreview::clear() { setOutline(QString(), QString()); }
@@ -31,15 +29,21 @@ void SKRSectionPreview::clear() { setOutline(QString(), QString()); }
 void SKRSectionPreview::setOutline(const QString& outline, const QString& failure) {
     if (const auto polygon = outline.isEmpty() ? nullptr : skr::geometry::ParseSectionPolygon(outline))
         return setPolygon(*polygon);
+    showFailure(failure);
+}
+
+void SKRSectionPreview::showFailure(const QString& failure) {
     m_path = QPainterPath();
     m_caption = failure;
     update();
+    emit polygonChanged(nullptr);
 }
 
 void SKRSectionPreview::setPolygon(const ndp::CPolygon& polygon) {
     m_path = skr::geometry::sectionPath(polygon);
     m_caption = QStringLiteral("A = %1 mm²").arg(skr::geometry::SectionProperties(polygon).area, 0, 'f', 1);
     update();
+    emit polygonChanged(&polygon);
 }
 
 void SKRSectionPreview::paintEvent(QPaintEvent*) {

@@ -2,13 +2,11 @@
 // its outline as the values change.
 #pragma once
 
+#include "ndp/NDPPolygon.h"
+
 #include <QMap>
 #include <QPainterPath>
 #include <QWidget>
-
-namespace ndp {
-class CPolygon;
-}
 
 class SKRSectionPreview : public QWidget {
     Q_OBJECT
@@ -24,11 +22,17 @@ public:
 
     QSize sizeHint() const override { return QSize(200, 200); }
 
+signals:
+    // The section now drawn, null when there is none (for the figures beside the drawing).
+    void polygonChanged(const ndp::CPolygon* polygon);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void setOutline(const QString& outline, const QString& failure);
+    // No drawing: the reason in its place.
+    void showFailure(const QString& failure);
 
     QPainterPath m_path;
     QString m_caption;

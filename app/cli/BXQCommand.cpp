@@ -143,6 +143,7 @@ const char* exampleOf(const QStringList& arguments) {
         {"user-section list", "bxq user-section list --project p.KDB --json"},
         {"face-steel", "bxq face-steel 1 6"},
         {"outline", "bxq outline --section I20a --svg i20a.svg --dxf i20a.dxf"},
+        {"properties", "bxq properties --json --units cm I20a HN400*200*8*13"},
         {"member", "bxq member add --project p.KDB --section H400*200*8*13 --from 0,0,0 --to 6000,0,0"},
         {"member add", "bxq member add --project p.KDB --section I20a --from 0,0,0 --to 0,0,3000 --roll 90"},
         {"member list", "bxq member list --project p.KDB --json"},

@@ -80,5 +80,6 @@ int runView(const QStringList& arguments);
 int runFaceSteel(const QStringList& arguments);
 int runExport(const QStringList& arguments);
 int runOutline(const QStringList& arguments);
+int runProperties(const QStringList& arguments);
 
 }  // namespace bxq

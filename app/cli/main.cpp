@@ -31,6 +31,8 @@ const char kUsage[] =
     "  face-steel CLASS THICKNESS          weight per square metre (kg/m2) of a face-steel plate\n"
     "  outline TEXT|--section SPEC [--svg FILE] [--dxf FILE] [--json]\n"
     "                                      area, perimeter, box, centroid and moments of an outline\n"
+    "  properties [--json|--csv] [--units mm|cm] [--outline TEXT]... SPEC...\n"
+    "                                      every figure of a steel table, one row per section (- reads stdin)\n"
     "  member add --project FILE --section SPEC --from X,Y,Z --to X,Y,Z [--roll DEG]\n"
     "  member list --project FILE [--json]\n"
     "  member remove --project FILE ID     the project's members\n"
@@ -78,6 +80,7 @@ int main(int argc, char** argv) {
         {QStringLiteral("user-section"), bxq::runUserSection},
         {QStringLiteral("face-steel"), bxq::runFaceSteel},
         {QStringLiteral("outline"), bxq::runOutline},
+        {QStringLiteral("properties"), bxq::runProperties},
         {QStringLiteral("member"), bxq::runMember},
         {QStringLiteral("cut-plane"), bxq::runCutPlane},
         {QStringLiteral("view"), bxq::runView},
