@@ -2,6 +2,8 @@
 #include "exchange/SKRIfcProfileTable.h"
 
 #include "exchange/SKRIfcEntities.h"
+#include "section_geometry/SKRSectionOutline.h"
+#include "section_spec/EnSKRSectionType.h"
 
 #include <cmath>
 #include <iterator>
@@ -12,9 +14,9 @@ namespace {
 
 using Values = QMap<QString, double>;
 
-// The slopes of the inner flange faces of hot-rolled I-beams (1 in 6) and channels (1 in 10).
-const double kIBeamFlangeSlope = std::atan(1.0 / 6);
-const double kChannelFlangeSlope = std::atan(1.0 / 10);
+// The slopes of the inner flange faces of hot-rolled I-beams and channels, as angles.
+const double kIBeamFlangeAngle = std::atan(geometry::kIBeamFlangeSlope);
+const double kChannelFlangeAngle = std::atan(geometry::kChannelFlangeSlope);
 
 // A radius: $ when there is none.
 StepArg radius(double r, double scale) { return r > 0 ? stepReal(r * scale) : stepUnset(); }
@@ -22,16 +24,14 @@ StepArg radius(double r, double scale) { return r > 0 ? stepReal(r * scale) : st
 // The profile's own placement: the origin, which is its bounding-box centre.
 StepRef centred(SKRStepWriter& w) { return ifc::Axis2Placement2D(w, ifc::CartesianPoint2(w, 0, 0), StepRef()); }
 
-// The outer corner radius of a cold-formed hollow section, as its outline draws it.
-double hollowCornerRadius(double t) { return t <= 6 ? 2 * t : t <= 10 ? 2.5 * t : 3 * t; }
 
 StepRef slopedI(SKRStepWriter& w, const QString& n, const Values& v, double s) {
     return ifc::IShapeProfileDef(w, n, centred(w), v["b"] * s, v["h"] * s, v["d"] * s, v["t"] * s,
-                                 radius(v.value("r"), s), radius(v.value("r1"), s), stepReal(kIBeamFlangeSlope));
+                                 radius(v.value("r"), s), radius(v.value("r1"), s), stepReal(kIBeamFlangeAngle));
 }
 StepRef slopedChannel(SKRStepWriter& w, const QString& n, const Values& v, double s) {
     return ifc::UShapeProfileDef(w, n, centred(w), v["h"] * s, v["b"] * s, v["d"] * s, v["t"] * s,
-                                 radius(v.value("r"), s), radius(v.value("r1"), s), stepReal(kChannelFlangeSlope));
+                                 radius(v.value("r"), s), radius(v.value("r1"), s), stepReal(kChannelFlangeAngle));
 }
 // Angles: the toe radius is a third of the thickness.
 StepRef equalAngle(SKRStepWriter& w, const QString& n, const Values& v, double s) {
@@ -80,26 +80,26 @@ StepRef weldedBox(SKRStepWriter& w, const QString& n, const Values& v, double s)
 // Cold-formed hollow section: inner corner radius r, outer r + t.
 StepRef hollowSection(SKRStepWriter& w, const QString& n, const Values& v, double s) {
     const double t = v["t"];
-    const double inner = v.value("r", hollowCornerRadius(t) - t);
+    const double inner = v.value("r", geometry::hollowCornerRadius(t) - t);
     return ifc::RectangleHollowProfileDef(w, n, centred(w), v["b"] * s, v["h"] * s, t * s, radius(inner, s),
                                           radius(inner + t, s));
 }
 
 const SKRIfcProfileRow kRows[] = {
-    {1, "IFCISHAPEPROFILEDEF", false, slopedI},
-    {2, "IFCUSHAPEPROFILEDEF", false, slopedChannel},
-    {3, "IFCLSHAPEPROFILEDEF", false, equalAngle},
-    {4, "IFCLSHAPEPROFILEDEF", false, unequalAngle},
-    {5, "IFCCIRCLEHOLLOWPROFILEDEF", true, pipe},
-    {6, "IFCCIRCLEPROFILEDEF", true, roundBar},
-    {7, "IFCISHAPEPROFILEDEF", false, rolledH},
-    {8, "IFCCSHAPEPROFILEDEF", false, lippedChannel},
-    {10, "IFCTSHAPEPROFILEDEF", false, rolledTee},
-    {11, "IFCISHAPEPROFILEDEF", true, weldedH},
-    {13, "IFCRECTANGLEHOLLOWPROFILEDEF", true, weldedBox},
-    {14, "IFCCIRCLEHOLLOWPROFILEDEF", true, pipe},
-    {16, "IFCTSHAPEPROFILEDEF", true, weldedTee},
-    {1011, "IFCRECTANGLEHOLLOWPROFILEDEF", true, hollowSection},
+    {stI, "IFCISHAPEPROFILEDEF", false, slopedI},
+    {stChannel, "IFCUSHAPEPROFILEDEF", false, slopedChannel},
+    {stEqualAngle, "IFCLSHAPEPROFILEDEF", false, equalAngle},
+    {stUnequalAngle, "IFCLSHAPEPROFILEDEF", false, unequalAngle},
+    {stPipe, "IFCCIRCLEHOLLOWPROFILEDEF", true, pipe},
+    {stRoundBar, "IFCCIRCLEPROFILEDEF", true, roundBar},
+    {stHotRolledH, "IFCISHAPEPROFILEDEF", false, rolledH},
+    {stCSection, "IFCCSHAPEPROFILEDEF", false, lippedChannel},
+    {stHotRolledT, "IFCTSHAPEPROFILEDEF", false, rolledTee},
+    {stWeldedH, "IFCISHAPEPROFILEDEF", true, weldedH},
+    {stWeldedBox, "IFCRECTANGLEHOLLOWPROFILEDEF", true, weldedBox},
+    {stWeldedPipe, "IFCCIRCLEHOLLOWPROFILEDEF", true, pipe},
+    {stWeldedT, "IFCTSHAPEPROFILEDEF", true, weldedTee},
+    {stBoxTube, "IFCRECTANGLEHOLLOWPROFILEDEF", true, hollowSection},
 };
 
 }  // namespace

@@ -17,9 +17,6 @@ namespace geometry {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-// Flange slopes of hot-rolled I-beams and channels: the inner face rises 1 in 6 and 1 in 10.
-constexpr double kIBeamFlangeSlope = 1.0 / 6;
-constexpr double kChannelFlangeSlope = 1.0 / 10;
 // What the four 90-degree bends of a cold-formed C or Z take off its centre line, per unit of
 // the centre-line radius: 4 * (2 - pi / 2).
 constexpr double kFourBendsShortening = 4 * (2 - kPi / 2);
@@ -240,8 +237,6 @@ void hollowRectangle(Outline& out, double width, double height, double wallX, do
               << rectangle(wallX, wallY, width - wallX, height - wallY, std::max(0.0, outer - std::min(wallX, wallY)));
 }
 
-// Outer corner radius of a cold-formed hollow section by its wall thickness.
-double hollowCornerRadius(double t) { return t <= 6 ? 2 * t : t <= 10 ? 2.5 * t : 3 * t; }
 
 bool fail(QString* error, const QString& reason) {
     if (error) *error = reason;

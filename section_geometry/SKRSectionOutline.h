@@ -13,6 +13,11 @@ namespace geometry {
 
 // Weight per metre of a steel section per mm2 of its area (7850 kg/m3): kg/m per mm2.
 constexpr double kSteelKgPerMetrePerMm2 = 0.00785;
+// Flange slopes of hot-rolled I-beams and channels: the inner face rises 1 in 6 and 1 in 10.
+constexpr double kIBeamFlangeSlope = 1.0 / 6;
+constexpr double kChannelFlangeSlope = 1.0 / 10;
+// Outer corner radius of a cold-formed hollow section by its wall thickness.
+inline double hollowCornerRadius(double t) { return t <= 6 ? 2 * t : t <= 10 ? 2.5 * t : 3 * t; }
 
 // The outline of a section type for the given parameter values (by parameter code), in
 // millimetres, the origin at the bottom-left corner of the bounding box, x right, y up. The
