@@ -26,6 +26,17 @@ QVector<std::int32_t> typesOfGroup(EnSKRSectionGroupType group) {
     return types;
 }
 
+// Made once and shared (implicitly) by every parser.
+const QVector<std::int32_t>& standardTypes() {
+    static const QVector<std::int32_t> types = typesOfGroup(sgStandard);
+    return types;
+}
+
+const QVector<std::int32_t>& weldedTypes() {
+    static const QVector<std::int32_t> types = typesOfGroup(sgWelded);
+    return types;
+}
+
 bool starsMatch(skr::section::SKRStarRule rule, int stars) {
     using skr::section::SKRStarRule;
     switch (rule) {
@@ -56,7 +67,7 @@ double plainNumber(const QString& piece) {
 }  // namespace
 
 SKRSectionPolyInfoParser::SKRSectionPolyInfoParser()
-    : m_standardTypes(typesOfGroup(sgStandard)), m_weldedTypes(typesOfGroup(sgWelded)) {}
+    : m_standardTypes(standardTypes()), m_weldedTypes(weldedTypes()) {}
 
 QString SKRSectionPolyInfoParser::customSectionKeyword() {
     return QCoreApplication::translate("SKRSectionPolyDlg", "自定义截面");
@@ -80,6 +91,7 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     const bool userSection = text.indexOf(kUserMark) >= 1;
     m_rawText = m_rawText.simplified();
     m_rawText.remove(QLatin1Char(' '));
+    const QString compact = m_rawText;
     if (userSection) {
         m_name = m_rawText;
         parserType(m_rawText);
@@ -95,7 +107,7 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     m_sectionType = analysePolyID();
     parserParamValue(static_cast<EnSKRSectionGroupType>(m_groupType), static_cast<EnSKRSectionType>(m_sectionType));
     m_paramCount = m_params.size();
-    applyWeldedNorm(text);
+    applyWeldedNorm(compact.toUpper());
     // Ball nodes are matched by their norms but listed with the catalogue sections.
     if (skr::section::isBallType(m_sectionType)) m_groupType = sgStandard;
     // Nothing made from a section may hold an infinite or overflowing figure: such a text is
@@ -111,12 +123,35 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
 }
 
 QString SKRSectionPolyInfoParser::outOfRangeDimension(const QString& text) {
-    static const QRegularExpression number(QStringLiteral("(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?"));
-    for (auto it = number.globalMatch(text); it.hasNext();) {
-        const QString written = it.next().captured();
+    // Every number as written, left to right: digits with an optional point and fraction, or a
+    // point and a fraction, then an optional exponent (scanned by hand: this runs per keystroke).
+    const auto ascii = [&text](int i) { return i < text.size() && text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9'); };
+    const auto digits = [&](int i) {
+        while (ascii(i)) ++i;
+        return i;
+    };
+    const int n = text.size();
+    for (int i = 0; i < n;) {
+        int end;
+        if (ascii(i)) {
+            end = digits(i);
+            if (end < n && text[end] == QLatin1Char('.')) end = digits(end + 1);
+        } else if (text[i] == QLatin1Char('.') && ascii(i + 1)) {
+            end = digits(i + 1);
+        } else {
+            ++i;
+            continue;
+        }
+        if (end < n && (text[end] == QLatin1Char('e') || text[end] == QLatin1Char('E'))) {
+            int exponent = end + 1;
+            if (exponent < n && (text[exponent] == QLatin1Char('+') || text[exponent] == QLatin1Char('-'))) ++exponent;
+            if (ascii(exponent)) end = digits(exponent);
+        }
+        const QStringRef written = text.midRef(i, end - i);
         bool ok = false;
         const double value = written.toDouble(&ok);
-        if (!ok || !std::isfinite(value) || value > kMaxDimension) return written;
+        if (!ok || !std::isfinite(value) || value > kMaxDimension) return written.toString();
+        i = end;
     }
     return QString();
 }
@@ -132,10 +167,7 @@ QString SKRSectionPolyInfoParser::rangeRefusal(const QString& text) {
 
 // The welded norms decide types 18 to 21 and confirm the others; they see the text with its
 // brackets, which only the tapered H is written with.
-void SKRSectionPolyInfoParser::applyWeldedNorm(const QString& text) {
-    QString copy = text.simplified();
-    copy.remove(QLatin1Char(' '));
-    copy = copy.toUpper();
+void SKRSectionPolyInfoParser::applyWeldedNorm(const QString& copy) {
     skr::section::WeldSectionNormParser norms;
     if (!norms.isValid(copy) || !norms.match(copy)) return;
     m_sectionType = norms.matchedType();

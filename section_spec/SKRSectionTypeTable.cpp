@@ -70,10 +70,16 @@ std::vector<EnSKRSectionType> sectionTypesOfGroup(EnSKRSectionGroupType group) {
 }
 
 int sectionTypeIndex(int sectionType) {
-    const SKRSectionTypeDescriptor* row = sectionTypeDescriptor(sectionType);
-    if (!row) return -1;
-    const std::vector<EnSKRSectionType> types = sectionTypesOfGroup(row->group);
-    return static_cast<int>(std::find(types.begin(), types.end(), row->type) - types.begin());
+    // Built once: the parser asks on every keystroke.
+    static const QHash<int, int> indexes = [] {
+        QHash<int, int> all;
+        for (EnSKRSectionGroupType group : {sgStandard, sgWelded}) {
+            const std::vector<EnSKRSectionType> types = sectionTypesOfGroup(group);
+            for (size_t i = 0; i < types.size(); ++i) all.insert(types[i], static_cast<int>(i));
+        }
+        return all;
+    }();
+    return indexes.value(sectionType, -1);
 }
 
 bool isBallType(int sectionType) {
