@@ -81,6 +81,7 @@ QString SKRSectionFiguresPanel::figuresText() const {
     };
     add(QStringLiteral("A"), e.area / 1e2, QStringLiteral("cm²"));
     add(QStringLiteral("G"), e.massPerMetre, QStringLiteral("kg/m"));
+    add(QStringLiteral("U"), e.outerPerimeter / 1e3, QStringLiteral("m²/m"));  // painted surface
     add(QStringLiteral("Ix"), e.ix / 1e4, QStringLiteral("cm⁴"));
     add(QStringLiteral("Iy"), e.iy / 1e4, QStringLiteral("cm⁴"));
     add(QStringLiteral("ix"), e.rx / 10, QStringLiteral("cm"));

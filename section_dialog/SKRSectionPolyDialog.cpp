@@ -25,6 +25,9 @@
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPPolygon.h"
 #include "ndp/NDPRef.h"
+#include "section_geometry/SKRSectionPolygonParser.h"
+#include "section_geometry/SKRSpecificationOutline.h"
+#include "section_geometry/SKRSectionFigures.h"
 #include "section_geometry/SKRSectionPainter.h"
 #include "ui/VMPMessageBox.h"
 #include "vmp/IVMPModel.h"
@@ -541,7 +544,11 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::getSelSectionInfo(
 }
 
 SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::getResultSectionInfo(SKRPolyParamManger* manager) const {
-    return manager ? sectionInfoOf(*manager) : BXQSelSectionInfo();
+    if (!manager) return BXQSelSectionInfo();
+    const auto custom = m_oCustomPolygons.constFind(manager->sectionType());
+    return sectionInfoOf(*manager, manager->isCustomSection() && custom != m_oCustomPolygons.constEnd()
+                                       ? custom->polygon.get()
+                                       : nullptr);
 }
 
 SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::defaultSectionInfo(IVMPModel* model) {
@@ -554,7 +561,8 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::defaultSectionInfo
     return sectionInfoOf(manager);
 }
 
-SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(const SKRPolyParamManger& manager) {
+SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(const SKRPolyParamManger& manager,
+                                                                            const ndp::CPolygon* custom) {
     BXQSelSectionInfo info;
     info.typeName = manager.typeName();
     info.specification = manager.specification();
@@ -569,6 +577,20 @@ SKRSectionPolyDialog::BXQSelSectionInfo SKRSectionPolyDialog::sectionInfoOf(cons
     if (row.first) {
         info.weightPerMetre = row.second.weightMeter;
         info.surfacePerMetre = row.second.area;
+        return info;
+    }
+    // Any other section: from its outline, area x 7.85 t/m3 and the outer perimeter.
+    std::unique_ptr<ndp::CPolygon> drawn;
+    if (!custom && !info.specification.isEmpty()) {
+        skr::geometry::SKROutline outline;
+        if (skr::geometry::specificationOutline(info.specification, outline, nullptr))
+            drawn = skr::geometry::outlinePolygon(outline);
+        custom = drawn.get();
+    }
+    if (custom) {
+        const skr::geometry::SKRExactFigures figures = skr::geometry::ExactSectionFigures(*custom);
+        info.weightPerMetre = figures.massPerMetre;
+        info.surfacePerMetre = figures.outerPerimeter / 1000.0;
     }
     return info;
 }

@@ -130,7 +130,8 @@ private:
     void selectCatalogueRow(const QString& standardName);
     const skr::section::SKRHotRollingSection* selectedSection() const;
     QString polyName(int sectionType) const;
-    static BXQSelSectionInfo sectionInfoOf(const SKRPolyParamManger& manager);
+    // custom: the outline of a custom polygon section, whose figures give its kg/m and m2/m.
+    static BXQSelSectionInfo sectionInfoOf(const SKRPolyParamManger& manager, const ndp::CPolygon* custom = nullptr);
     // Runs an edit of the project's user sections as one undoable command.
     void runLogged(const QString& what, const std::function<void()>& edit);
 

@@ -215,9 +215,11 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
     EXPECT_FALSE(result.singleMemberInput);
     const auto info = m_dialog->getSelSectionInfo();
     EXPECT_EQ(info.typeName, QStringLiteral("焊接H型钢"));
-    EXPECT_TRUE(info.specification.startsWith(QStringLiteral("H400*"))) << info.specification.toStdString();
+    EXPECT_EQ(info.specification, QStringLiteral("H400*200*8*13*13"));
     EXPECT_DOUBLE_EQ(info.insertPointY, 200);
-    EXPECT_EQ(info.weightPerMetre, 0.0);
+    // From the outline: 8192 mm2 at 7.85 t/m3, and the outer perimeter of the H.
+    EXPECT_NEAR(info.weightPerMetre, 64.3, 0.05);
+    EXPECT_NEAR(info.surfacePerMetre, (2 * 400 + 4 * 200 - 2 * 8) / 1000.0, 1e-9);
 }
 
 TEST_F(SectionPolyDialog, RestrictionNamesTheAcceptedTypesOnce) {
@@ -355,6 +357,8 @@ TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
     EXPECT_EQ(info.specification, drawn.description);
     EXPECT_DOUBLE_EQ(info.insertPointX, 50);
     EXPECT_DOUBLE_EQ(info.insertPointY, 25);
+    EXPECT_NEAR(info.weightPerMetre, 100 * 50 * 0.00785, 1e-9);
+    EXPECT_NEAR(info.surfacePerMetre, 0.3, 1e-12);
     EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_custom")));
 }
 
