@@ -7,6 +7,7 @@
 #include "section_dialog/SKRSectionFiguresPanel.h"
 #include "section_dialog/SKRSectionPreview.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPixmap>
@@ -106,9 +107,18 @@ void SKRParamEditor::refresh() {
         bottom = std::max(bottom, y + 14);
     }
     m_pFieldArea->setFixedSize(right, bottom);
-    m_pHint->setText(m_pManager->hintText());
+    showSection();
+}
+
+void SKRParamEditor::showSection() {
+    const QString specification = m_pManager->specification();
+    m_pHint->setText(specification.isEmpty()
+                         ? m_pManager->hintText()
+                         : QCoreApplication::translate("SKRSectionPolyDlg", "规格示例：%1").arg(specification));
     m_pPreview->setSection(m_pManager->sectionType(), m_pManager->numericValues());
 }
+
+QString SKRParamEditor::hint() const { return m_pHint->text(); }
 
 QString SKRParamEditor::message() const { return m_pMessage->text(); }
 
@@ -117,7 +127,7 @@ void SKRParamEditor::editingFinish(int index) {
     if (!edit || !m_pManager) return;
     m_pMessage->clear();
     m_pManager->setParamValue(index, edit->text());
-    m_pPreview->setSection(m_pManager->sectionType(), m_pManager->numericValues());
+    showSection();
 }
 
 void SKRParamEditor::returnPressedSolt(int index) {

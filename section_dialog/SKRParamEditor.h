@@ -47,6 +47,9 @@ public:
     SKRParamLineEdit* lineEdit(int index) const { return m_oEdits.value(index); }
     // The refusal shown under the fields (empty when the last keystroke was taken).
     QString message() const;
+    // The line under the fields: the specification the current values make, which is what the
+    // dialog returns ("规格示例：H400*300*8*13"); the type's example while they make none.
+    QString hint() const;
 
 public slots:
     // A field finished with an acceptable value: the manager takes it and the drawing follows.
@@ -59,6 +62,7 @@ private slots:
 
 private:
     void clearFields();
+    void showSection();
 
     SKRPolyParamManger* m_pManager = nullptr;
     QWidget* m_pFieldArea = nullptr;

@@ -206,7 +206,11 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
     QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_TRUE(m_dialog->isVisible());
+    params->lineEdit(1)->setText(QStringLiteral("300"));
+    params->editingFinish(1);
+    EXPECT_EQ(params->hint(), QStringLiteral("规格示例：H400*300*8*13*13"));  // what the figures make
     params->lineEdit(1)->setText(QStringLiteral("200"));
+    params->editingFinish(1);
     QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
     EXPECT_EQ(m_boxes.size(), 1) << m_boxes.join(' ').toStdString();
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
