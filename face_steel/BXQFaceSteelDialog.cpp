@@ -3,6 +3,7 @@
 
 #include "ui/VMPMessageBox.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QVBoxLayout>
@@ -15,6 +16,10 @@ constexpr int kClassIdRole = Qt::UserRole + 1;
 constexpr double kTolerance = 1e-12;
 
 QTableWidgetItem* textItem(const QString& text) { return new QTableWidgetItem(text); }
+
+// The dialog's texts in the user's language; plate class names are translated for display only
+// (the host asks for quantities by the Chinese name the dialog returns).
+QString text(const char* source) { return QCoreApplication::translate("BXQFaceSteelDialog", source); }
 
 }  // namespace
 
@@ -56,7 +61,7 @@ double BXQFaceSteelDialog::getFaceSteelQty(QString className, double thickness) 
 BXQFaceSteelInfo BXQFaceSteelDialog::defaultFaceInfo() { return BXQFaceSteelData::defaultFaceInfo(); }
 
 void BXQFaceSteelDialog::initUI() {
-    setWindowTitle(QStringLiteral("钢板类型库"));
+    setWindowTitle(text("钢板类型库"));
     setWindowFlags(Qt::Dialog | Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
     setMoveEnabled(false);
     setResizeEnabled(false);
@@ -65,20 +70,23 @@ void BXQFaceSteelDialog::initUI() {
     m_pClassTable = new BXQFaceTableWidget(this);
     m_pClassTable->setFixedWidth(180);
     m_pClassTable->setColumnCount(1);
-    m_pClassTable->setHorizontalHeaderLabels({QStringLiteral("钢板分类")});
+    m_pClassTable->setHorizontalHeaderLabels({text("钢板分类")});
     m_pThicknessTable = new BXQFaceTableWidget(this);
     m_pThicknessTable->setColumnCount(2);
-    m_pThicknessTable->setHorizontalHeaderLabels({QStringLiteral("厚度(mm)"), QStringLiteral("重量(kg/m2)")});
+    m_pThicknessTable->setHorizontalHeaderLabels({text("厚度(mm)"), text("重量(kg/m2)")});
+    // Both columns share the width, whatever the language makes of their headers.
+    m_pThicknessTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    m_pClassTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     for (auto it = m_oClassName.constBegin(); it != m_oClassName.constEnd(); ++it) {
         const int row = qBound(0, it.key() - 1, m_pClassTable->rowCount());
         m_pClassTable->insertRow(row);
-        QTableWidgetItem* item = textItem(it.value());
+        QTableWidgetItem* item = textItem(QCoreApplication::translate("BXQFaceSteelDialog", it.value().toUtf8().constData()));
         item->setData(kClassIdRole, it.key());
         m_pClassTable->setItem(row, 0, item);
     }
 
-    m_pOkButton = new VantorPushButton(QStringLiteral("确定"), this);
-    m_pCancelButton = new VantorPushButton(QStringLiteral("取消"), this);
+    m_pOkButton = new VantorPushButton(text("确定"), this);
+    m_pCancelButton = new VantorPushButton(text("取消"), this);
     m_pCancelButton->setProperty("isOtherCommandButton", true);
 
     auto* tables = new QHBoxLayout;
@@ -117,7 +125,7 @@ void BXQFaceSteelDialog::takeChoice(int row) {
     const QTableWidgetItem* cls = m_pClassTable->currentItem();
     const QTableWidgetItem* thickness = m_pThicknessTable->item(row, 0);
     if (!cls || !thickness) return;
-    m_oResult.className = cls->text();
+    m_oResult.className = m_oClassName.value(cls->data(kClassIdRole).toInt());
     m_oResult.thickness = thickness->text().toDouble();
     accept();
 }
@@ -128,7 +136,7 @@ void BXQFaceSteelDialog::doubleClickSlot(QTableWidgetItem* item) {
 
 void BXQFaceSteelDialog::okSlot() {
     if (!m_pThicknessTable->currentItem() || !m_pClassTable->currentItem()) {
-        VMPMessageBox::warning(BXQCommon::getMainWindow(), QStringLiteral("提示"), QStringLiteral("请先选中钢板信息"),
+        VMPMessageBox::warning(BXQCommon::getMainWindow(), text("提示"), text("请先选中钢板信息"),
                                QMessageBox::Ok);
         return;
     }

@@ -12,7 +12,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libopenscenegraph-dev libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri libeigen3-dev
   clang-14 libclang-rt-14-dev
-  fonts-wqy-microhei xvfb xauth
+  fonts-wqy-microhei xvfb xauth qttranslations5-l10n
   libdxflib-dev python3-ezdxf dpkg-dev nodejs
 )
 

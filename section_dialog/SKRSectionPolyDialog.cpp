@@ -55,6 +55,11 @@ namespace {
 
 QString text(const char* source) { return QCoreApplication::translate("SKRSectionPolyDlg", source); }
 
+// A name the section database keeps in Chinese (groups, types, ball forms), in the user's language.
+QString dbText(const QString& source) {
+    return QCoreApplication::translate("SKRSectionPolyDB", source.toUtf8().constData());
+}
+
 QString filterPlaceholder() { return text("快速搜索，如:C 200*70*20*2"); }
 
 // The hot-rolled catalogue types: those listed by name rather than edited by parameters.
@@ -126,7 +131,7 @@ void SKRSectionPolyDialog::initPolyGroupMap() {
     if (!m_pGroupTable || !m_pGroupTable->ListAll(all)) return;
     for (int i = 0; i < all.GetCount(); ++i) {
         const VMPDBRecord row(m_pGroupTable, all.GetItem(i));
-        m_oGroupMap.insert(row.getInteger("GroupID", 0), row.getString("GroupName", QString()));
+        m_oGroupMap.insert(row.getInteger("GroupID", 0), dbText(row.getString("GroupName", QString())));
     }
 }
 
@@ -148,7 +153,7 @@ QWidget* SKRSectionPolyDialog::createLeftWidget() {
         for (int i = 0; i < all.GetCount(); ++i) {
             const VMPDBRecord row(m_pPolyTable, all.GetItem(i));
             types.push_back({row.getInteger("GroupID", 0), row.getInteger("PolyID", 0),
-                             row.getString("PolyName", QString()), row.getString("PolyPicName", QString()), {}});
+                             dbText(row.getString("PolyName", QString())), row.getString("PolyPicName", QString()), {}});
             if (isCatalogueType(types.last().polyId)) m_oCatalogueTypes << types.last().polyId;
         }
     }
@@ -405,7 +410,7 @@ void SKRSectionPolyDialog::showBallParamWidget() {
     if (m_pBallTable && m_pBallTable->Query(query, found)) {
         for (int i = 0; i < found.GetCount(); ++i) {
             const VMPDBRecord row(m_pBallTable, found.GetItem(i));
-            m_pBallCombo->addItem(row.getString("TypeName", QString()));
+            m_pBallCombo->addItem(dbText(row.getString("TypeName", QString())));
             m_oBallRibFlags << row.getInteger("RibFlag", 0);
         }
     }
@@ -495,7 +500,7 @@ void SKRSectionPolyDialog::setAcceptSectionalType(QVector<EnSKRSectionType> type
     m_oAcceptTypes = std::move(types);
     QStringList names;
     for (EnSKRSectionType type : m_oAcceptTypes) {
-        const QString name = polyName(type);
+        const QString name = dbText(polyName(type));
         if (!names.contains(name)) names << name;
     }
     const QString joined = names.join(QLatin1Char(','));

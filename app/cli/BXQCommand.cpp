@@ -119,9 +119,13 @@ void addLanguageOption(QCommandLineParser& parser) {
 }
 
 bool applyLanguageOption(const QCommandLineParser& parser) {
-    if (!parser.isSet(QStringLiteral("lang"))) return true;
-    const QString language = parser.value(QStringLiteral("lang"));
-    if (language == QLatin1String("zh") || language == QLatin1String("zh_CN")) return true;
+    const QString language = parser.isSet(QStringLiteral("lang")) ? parser.value(QStringLiteral("lang")) : QString();
+    if (language.isEmpty() || language == QLatin1String("zh") || language == QLatin1String("zh_CN")) {
+        // The library speaks Chinese as written; Qt's own buttons need Qt's translation (without
+        // the translations package they stay English, which is no reason to refuse to run).
+        BXQInstallQtTranslation(QStringLiteral("zh_CN"));
+        return true;
+    }
     if (BXQInstallTranslation(language)) return true;
     usageError(QStringLiteral("no translation for language '%1'").arg(language));
     return false;

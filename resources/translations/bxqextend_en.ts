@@ -4,6 +4,10 @@
 <context>
     <name>SKRSectionPolyDlg</name>
     <message>
+        <source>规格示例：%1</source>
+        <translation>Specification: %1</translation>
+    </message>
+    <message>
         <source>自定义截面</source>
         <translation>CustomSection</translation>
     </message>
@@ -519,6 +523,176 @@
     <message>
         <source>三维视图需要 OpenGL，此平台没有可用的 OpenGL。</source>
         <translation>The 3D view needs OpenGL, which this platform does not offer.</translation>
+    </message>
+</context>
+<context>
+    <name>SKRSectionPolyDB</name>
+    <message>
+        <source>热轧工字钢</source>
+        <translation>Hot-rolled I-beam</translation>
+    </message>
+    <message>
+        <source>热轧槽钢</source>
+        <translation>Hot-rolled channel</translation>
+    </message>
+    <message>
+        <source>热轧等边角钢</source>
+        <translation>Hot-rolled equal angle</translation>
+    </message>
+    <message>
+        <source>热轧不等边角钢</source>
+        <translation>Hot-rolled unequal angle</translation>
+    </message>
+    <message>
+        <source>圆钢管</source>
+        <translation>Steel pipe</translation>
+    </message>
+    <message>
+        <source>圆钢</source>
+        <translation>Round bar</translation>
+    </message>
+    <message>
+        <source>热轧H型钢</source>
+        <translation>Hot-rolled H</translation>
+    </message>
+    <message>
+        <source>冷弯卷边槽钢</source>
+        <translation>Cold-formed lipped channel</translation>
+    </message>
+    <message>
+        <source>冷弯卷边Z型钢</source>
+        <translation>Cold-formed lipped Z</translation>
+    </message>
+    <message>
+        <source>剖分T型钢</source>
+        <translation>Split T</translation>
+    </message>
+    <message>
+        <source>焊接H型钢</source>
+        <translation>Welded H</translation>
+    </message>
+    <message>
+        <source>焊接不等翼缘H型钢</source>
+        <translation>Welded H, unequal flanges</translation>
+    </message>
+    <message>
+        <source>焊接箱形截面</source>
+        <translation>Welded box</translation>
+    </message>
+    <message>
+        <source>焊接圆管</source>
+        <translation>Welded pipe</translation>
+    </message>
+    <message>
+        <source>焊接十字形截面</source>
+        <translation>Welded cross</translation>
+    </message>
+    <message>
+        <source>焊接T型钢</source>
+        <translation>Welded T</translation>
+    </message>
+    <message>
+        <source>焊接楔形H型钢</source>
+        <translation>Welded tapered H</translation>
+    </message>
+    <message>
+        <source>焊接变径圆管</source>
+        <translation>Welded tapered pipe</translation>
+    </message>
+    <message>
+        <source>焊接变截面箱形</source>
+        <translation>Welded tapered box</translation>
+    </message>
+    <message>
+        <source>焊接双高度H型钢</source>
+        <translation>Welded H, two depths</translation>
+    </message>
+    <message>
+        <source>焊接变截面椭圆管</source>
+        <translation>Welded tapered elliptic tube</translation>
+    </message>
+    <message>
+        <source>方矩管</source>
+        <translation>Square and rectangular tube</translation>
+    </message>
+    <message>
+        <source>螺栓球</source>
+        <translation>Bolted ball</translation>
+    </message>
+    <message>
+        <source>焊接空心球</source>
+        <translation>Welded hollow ball</translation>
+    </message>
+    <message>
+        <source>加肋焊接空心球</source>
+        <translation>Welded hollow ball with rib</translation>
+    </message>
+    <message>
+        <source>型钢截面</source>
+        <translation>Rolled sections</translation>
+    </message>
+    <message>
+        <source>焊接截面</source>
+        <translation>Welded sections</translation>
+    </message>
+    <message>
+        <source>自定义截面</source>
+        <translation>Custom sections</translation>
+    </message>
+</context>
+<context>
+    <name>BXQFaceSteelDialog</name>
+    <message>
+        <source>钢板类型库</source>
+        <translation>Steel plate library</translation>
+    </message>
+    <message>
+        <source>钢板分类</source>
+        <translation>Plate class</translation>
+    </message>
+    <message>
+        <source>厚度(mm)</source>
+        <translation>t (mm)</translation>
+    </message>
+    <message>
+        <source>重量(kg/m2)</source>
+        <translation>kg/m²</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>提示</source>
+        <translation>Notice</translation>
+    </message>
+    <message>
+        <source>请先选中钢板信息</source>
+        <translation>Please choose a plate first</translation>
+    </message>
+    <message>
+        <source>热轧钢板</source>
+        <translation>Hot-rolled plate</translation>
+    </message>
+    <message>
+        <source>冷轧钢板</source>
+        <translation>Cold-rolled plate</translation>
+    </message>
+    <message>
+        <source>菱形花纹钢板</source>
+        <translation>Diamond plate</translation>
+    </message>
+    <message>
+        <source>扁豆形花纹钢板</source>
+        <translation>Lentil plate</translation>
+    </message>
+    <message>
+        <source>圆豆形花纹钢板</source>
+        <translation>Bean plate</translation>
     </message>
 </context>
 </TS>

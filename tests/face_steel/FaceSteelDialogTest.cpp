@@ -12,6 +12,10 @@
 #include "vmp/VMPNDDBManager.h"
 
 #include "support/Screens.h"
+#include "support/VisibleTexts.h"
+#include "plugin/BXQTranslations.h"
+
+#include <QHeaderView>
 
 #include <gtest/gtest.h>
 
@@ -139,4 +143,36 @@ TEST_F(FaceSteelDialogTest, CancelKeepsTheResultAndTheQueryUsesTheSameCatalogue)
     EXPECT_EQ(BXQFaceSteelDialog::getFaceSteelQty(QStringLiteral("冷轧钢板"), 3.0), 23.55);  // the first row
     EXPECT_EQ(&BXQFaceSteelDialog::m_oData, &BXQFaceSteelData::m_oData);
     EXPECT_EQ(BXQFaceSteelDialog::defaultFaceInfo().className, QStringLiteral("热轧钢板"));
+}
+
+// Last in the file: the translation stays installed for the rest of the process. In English every
+// text is English and no header is cut short, while the chosen plate is still returned under the
+// class name the host asks quantities by.
+TEST_F(FaceSteelDialogTest, SpeaksEnglishAndReturnsTheClassNameTheHostKnows) {
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    BXQFaceSteelDialog dialog(nullptr, nullptr);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    EXPECT_EQ(bxqtest::chineseTexts(&dialog), QStringList());
+    for (QTableWidget* t : {table(dialog, 0), table(dialog, 1)})
+        for (int c = 0; c < t->columnCount(); ++c) {
+            const QString header = t->horizontalHeaderItem(c)->text();
+            EXPECT_GE(t->horizontalHeader()->sectionSize(c), t->horizontalHeader()->fontMetrics().horizontalAdvance(header))
+                << header.toStdString();
+        }
+    QTableWidget* names = table(dialog, 0);
+    for (int row = 0; row < names->rowCount(); ++row)
+        EXPECT_GE(names->visualItemRect(names->item(row, 0)).width(),
+                  names->fontMetrics().horizontalAdvance(names->item(row, 0)->text()) + 6)
+            << names->item(row, 0)->text().toStdString();
+    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog_en")));
+    QTableWidget* classes = table(dialog, 0);
+    QTest::mouseClick(classes->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      classes->visualItemRect(classes->item(1, 0)).center());
+    QCoreApplication::processEvents();
+    QTableWidget* thicknesses = table(dialog, 1);
+    const QPoint first = thicknesses->visualItemRect(thicknesses->item(0, 0)).center();
+    QTest::mouseClick(thicknesses->viewport(), Qt::LeftButton, Qt::NoModifier, first);
+    QTest::mouseClick(button(dialog, QStringLiteral("OK")), Qt::LeftButton);
+    EXPECT_EQ(dialog.getResult().className, QStringLiteral("冷轧钢板"));
 }

@@ -20,6 +20,8 @@
 #include "data/ShippedRepository.h"
 #include "section_spec/QtPrinters.h"
 #include "support/Screens.h"
+#include "support/VisibleTexts.h"
+#include "section_spec/SKRSectionTypeTable.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -375,7 +377,18 @@ TEST_F(SectionPolyDialog, SpeaksTheInstalledLanguage) {
               QStringLiteral("Quick search, e.g. C 200*70*20*2"));
     dialog.setAcceptSectionalType({stWeldedH}, QStringLiteral("the column"));
     EXPECT_EQ(dialog.acceptMessage(),
-              QStringLiteral("Only the column of type “焊接H型钢” is supported, please choose a “焊接H型钢” section"));
+              QStringLiteral("Only the column of type “Welded H” is supported, please choose a “Welded H” section"));
     dialog.show();
     EXPECT_TRUE(saveScreen(dialog, QStringLiteral("section_dialog_en")));
+
+    // Every page of every section type shows English only (a user's custom drawing keeps the name
+    // it was stored under: that is data, not the dialog's text).
+    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
+    m_dialog->show();
+    for (const skr::section::SKRSectionTypeDescriptor& type : skr::section::sectionTypeTable()) {
+        chooseType(type.type);
+        QStringList chinese = bxqtest::chineseTexts(m_dialog.get());
+        chinese = chinese.filter(QRegularExpression(QStringLiteral("^(?!自定义截面\\d+$)")));
+        EXPECT_TRUE(chinese.isEmpty()) << type.type << ": " << chinese.join(QStringLiteral(" | ")).toStdString();
+    }
 }
