@@ -53,7 +53,7 @@
     </message>
     <message>
         <source>查看型钢代号表</source>
-        <translation>Section codes</translation>
+        <translation>Type codes</translation>
     </message>
     <message>
         <source>查看截面样式</source>
@@ -125,7 +125,7 @@
     </message>
     <message>
         <source>型钢代号表</source>
-        <translation>Section codes</translation>
+        <translation>Type codes</translation>
     </message>
     <message>
         <source>规格</source>
@@ -529,19 +529,19 @@
     <name>SKRSectionPolyDB</name>
     <message>
         <source>热轧工字钢</source>
-        <translation>Hot-rolled I-beam</translation>
+        <translation>I-beam</translation>
     </message>
     <message>
         <source>热轧槽钢</source>
-        <translation>Hot-rolled channel</translation>
+        <translation>Channel</translation>
     </message>
     <message>
         <source>热轧等边角钢</source>
-        <translation>Hot-rolled equal angle</translation>
+        <translation>Equal angle</translation>
     </message>
     <message>
         <source>热轧不等边角钢</source>
-        <translation>Hot-rolled unequal angle</translation>
+        <translation>Unequal angle</translation>
     </message>
     <message>
         <source>圆钢管</source>
@@ -553,15 +553,15 @@
     </message>
     <message>
         <source>热轧H型钢</source>
-        <translation>Hot-rolled H</translation>
+        <translation>Rolled H</translation>
     </message>
     <message>
         <source>冷弯卷边槽钢</source>
-        <translation>Cold-formed lipped channel</translation>
+        <translation>Lipped C</translation>
     </message>
     <message>
         <source>冷弯卷边Z型钢</source>
-        <translation>Cold-formed lipped Z</translation>
+        <translation>Lipped Z</translation>
     </message>
     <message>
         <source>剖分T型钢</source>
@@ -573,7 +573,7 @@
     </message>
     <message>
         <source>焊接不等翼缘H型钢</source>
-        <translation>Welded H, unequal flanges</translation>
+        <translation>Unequal H</translation>
     </message>
     <message>
         <source>焊接箱形截面</source>
@@ -593,27 +593,27 @@
     </message>
     <message>
         <source>焊接楔形H型钢</source>
-        <translation>Welded tapered H</translation>
+        <translation>Tapered H</translation>
     </message>
     <message>
         <source>焊接变径圆管</source>
-        <translation>Welded tapered pipe</translation>
+        <translation>Tapered pipe</translation>
     </message>
     <message>
         <source>焊接变截面箱形</source>
-        <translation>Welded tapered box</translation>
+        <translation>Tapered box</translation>
     </message>
     <message>
         <source>焊接双高度H型钢</source>
-        <translation>Welded H, two depths</translation>
+        <translation>Two-depth H</translation>
     </message>
     <message>
         <source>焊接变截面椭圆管</source>
-        <translation>Welded tapered elliptic tube</translation>
+        <translation>Tapered oval tube</translation>
     </message>
     <message>
         <source>方矩管</source>
-        <translation>Square and rectangular tube</translation>
+        <translation>Box tube</translation>
     </message>
     <message>
         <source>螺栓球</source>
@@ -621,11 +621,11 @@
     </message>
     <message>
         <source>焊接空心球</source>
-        <translation>Welded hollow ball</translation>
+        <translation>Welded ball</translation>
     </message>
     <message>
         <source>加肋焊接空心球</source>
-        <translation>Welded hollow ball with rib</translation>
+        <translation>Ribbed welded ball</translation>
     </message>
     <message>
         <source>型钢截面</source>
