@@ -4,7 +4,11 @@
 // on a bounded face, then the common part). BM_KernelSplits is the same through the kernel's
 // CBooleanOperate with its four flags on (input check, non-destructive, unified result, parallel).
 // BM_ApplyCuttingPlanes is the library's whole trimming of an element: reading its two
-// "CuttingPlane" records from a project and cutting the member the solid shape hands out.
+// "CuttingPlane" records from a project and cutting the member the solid shape hands out. Its
+// planes run through the member's end points, so each cuts only part of the section and the
+// trimming takes the general split; BM_ApplyCuttingPlanesGeneral is the same on a body that does
+// not know it is a prism, which always takes it. BM_ApplyCuttingPlanesCrossing and its General
+// twin move the two planes 150 mm into the member, where each crosses it whole: the direct build.
 #include "body_builder/SKRBodyBuilder.h"
 #include "ndp/NDPBody.h"
 #include "ndp/NDPRef.h"
@@ -138,20 +142,23 @@ void addCuttingPlane(ndp::CDBTable* table, bool isTail, const ndp::CPlane& plane
     record->Release();
 }
 
-void BM_ApplyCuttingPlanes(benchmark::State& state) {
+// Trims the member by its head and tail planes moved inset into it; prism: the solid shape hands
+// out the body builder's prism, else a body of the same shape that is no prism.
+void applyCuttingPlanes(benchmark::State& state, bool prism, double inset) {
     QString error;
-    const BodyPtr body = member(error);
+    const BodyPtr built = member(error);
     QTemporaryDir dir;
     VMPProjectModel model;
-    if (!body || !model.open(dir.filePath("project.KDB"))) {
+    if (!built || !model.open(dir.filePath("project.KDB"))) {
         state.SkipWithError("no member or no project");
         return;
     }
+    const BodyPtr body(prism ? built->Copy() : ndp::CBodyOcct::Create(ndp::CBodyOcct::Shape(*built)));
     // The head frame is the global frame, so the planes' frames are their own local coordinates;
     // the tail plane's origin is the tail frame's origin.
     ndp::CDBTable* table = model.getProjectDB()->GetTable(L"CuttingPlane");
-    addCuttingPlane(table, false, headPlane(), {0, 0, 0});
-    addCuttingPlane(table, true, tailPlane(), {0, 0, 0});
+    addCuttingPlane(table, false, headPlane(), {0, 0, inset});
+    addCuttingPlane(table, true, tailPlane(), {0, 0, -inset});
     const VMPElementDrawObj element(1, &model, ndp::CCoord3(), kLength);
     PrebuiltShape shape(body.get());
     const double uncut = body->Volume();
@@ -166,6 +173,17 @@ void BM_ApplyCuttingPlanes(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
     state.SetLabel("ms per member");
 }
+
+void BM_ApplyCuttingPlanes(benchmark::State& state) { applyCuttingPlanes(state, true, 0.0); }
 BENCHMARK(BM_ApplyCuttingPlanes)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesGeneral(benchmark::State& state) { applyCuttingPlanes(state, false, 0.0); }
+BENCHMARK(BM_ApplyCuttingPlanesGeneral)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesCrossing(benchmark::State& state) { applyCuttingPlanes(state, true, 150.0); }
+BENCHMARK(BM_ApplyCuttingPlanesCrossing)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesCrossingGeneral(benchmark::State& state) { applyCuttingPlanes(state, false, 150.0); }
+BENCHMARK(BM_ApplyCuttingPlanesCrossingGeneral)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -29,6 +29,8 @@
 
 #include <QString>
 
+#include <vector>
+
 namespace ndp {
 
 class CBody;
@@ -47,6 +49,15 @@ public:
     // new body, or null with true when the plane misses the body; false only for a failure.
     bool CutFace(const CPlane& plane, const CBody* body, CBody*& cutFace);
 
+    // The part of body on the positive side of every plane: what SplitPositiveBody gives applied
+    // plane after plane (null when a plane leaves nothing, or for a failure). A prism (a body of
+    // CBodyOcct::CreatePrism) whose cutting planes each cross the whole member, meeting every
+    // generator line between the member's ends, is built at once (LastTrimWasDirect()): end faces
+    // on the planes, side faces between them. That path reads only the section and the extrusion,
+    // which the prism's maker checked. Every other body and plane takes the general split.
+    CBody* TrimPositiveBody(const std::vector<CPlane>& planes, const CBody* body);
+    bool LastTrimWasDirect() const { return m_lastDirect; }
+
     // Why the last operation gave no result; empty when it succeeded or nothing remained.
     const QString& GetLastError() const { return m_lastError; }
 
@@ -57,6 +68,7 @@ private:
     bool m_nonDestructive;
     bool m_unifyResult;
     bool m_runParallel;
+    bool m_lastDirect = false;
     QString m_lastError;
 };
 
