@@ -21,7 +21,7 @@
 //   nonDestructive: the kernel never adjusts the tolerances of the input body's own edges and
 //                   vertices (other handles on the same geometry stay exactly as they were);
 //   unifyResult:    faces and edges of a result that lie on one surface or curve are merged;
-//   runParallel:    the kernel may use several threads.
+//   runParallel:    the kernel may use several threads (it does for large bodies, where they pay).
 // Nothing throws out of these operations.
 #pragma once
 
