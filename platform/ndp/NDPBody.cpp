@@ -7,7 +7,10 @@
 #include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepGProp.hxx>
+#include <BRepBuilderAPI_Copy.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
+#include <BRepPrimAPI_MakePrism.hxx>
+#include <TopoDS.hxx>
 #include <Bnd_Box.hxx>
 #include <GProp_GProps.hxx>
 #include <Standard_Failure.hxx>
@@ -128,6 +131,21 @@ CBody* CBody::Copy() const {
     copy->m_data->section = m_data->section;
     copy->m_data->extrusion = m_data->extrusion;
     return copy;
+}
+
+bool CBody::IsPrism() const { return !m_data->section.IsNull(); }
+
+CBody* CBody::ExtrudedTo(double length) const {
+    if (!IsPrism() || !(length > 0.0) || !std::isfinite(length) || m_data->extrusion.Magnitude() == 0.0) return nullptr;
+    try {
+        const gp_Vec extrusion = m_data->extrusion.Normalized() * length;
+        const TopoDS_Face section = TopoDS::Face(BRepBuilderAPI_Copy(m_data->section).Shape());
+        BRepPrimAPI_MakePrism prism(section, extrusion);
+        if (!prism.IsDone()) return nullptr;
+        return CBodyOcct::CreatePrism(prism.Shape(), section, extrusion);
+    } catch (const Standard_Failure&) {
+        return nullptr;
+    }
 }
 
 int CBody::SolidCount() const { return countOf(m_data->shape, TopAbs_SOLID); }
