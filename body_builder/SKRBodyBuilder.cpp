@@ -168,7 +168,11 @@ CBody* SKRBodyBuilder::extrudedMember(const ndp::CPolygon& section, double lengt
         const gp_Vec extrusion = gp_Vec(placement.Direction()) * length;
         BRepPrimAPI_MakePrism prism(face, extrusion);
         if (!prism.IsDone()) return refuse(error, QStringLiteral("the section could not be extruded"));
-        return CBodyOcct::CreatePrism(prism.Shape(), face, extrusion);
+        // The face passed the kernel's check, and a planar face swept straight is a valid solid:
+        // a split of the member need not check it again.
+        CBody* body = CBodyOcct::CreatePrism(prism.Shape(), face, extrusion);
+        CBodyOcct::SetKnownValid(*body);
+        return body;
     });
 }
 

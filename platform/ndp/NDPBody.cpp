@@ -142,7 +142,9 @@ CBody* CBody::ExtrudedTo(double length) const {
         const TopoDS_Face section = TopoDS::Face(BRepBuilderAPI_Copy(m_data->section).Shape());
         BRepPrimAPI_MakePrism prism(section, extrusion);
         if (!prism.IsDone()) return nullptr;
-        return CBodyOcct::CreatePrism(prism.Shape(), section, extrusion);
+        CBody* body = CBodyOcct::CreatePrism(prism.Shape(), section, extrusion);
+        body->m_data->validity = std::make_shared<Data::Validity>(*m_data->validity);  // the same section swept
+        return body;
     } catch (const Standard_Failure&) {
         return nullptr;
     }
