@@ -394,7 +394,7 @@ CBody* CBooleanOperate::TrimPositiveBody(const std::vector<CPlane>& planes, cons
                 case Plan::General: break;
                 }
             }
-        } catch (const Standard_Failure&) {
+        } catch (...) {
             // the general split below
         }
     }
