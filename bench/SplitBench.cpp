@@ -5,10 +5,10 @@
 // CBooleanOperate with its four flags on (input check, non-destructive, unified result, parallel).
 // BM_ApplyCuttingPlanes is the library's whole trimming of an element: reading its two
 // "CuttingPlane" records from a project and cutting the member the solid shape hands out. Its
-// planes run through the member's end points, so each cuts only part of the section and the
-// trimming takes the general split; BM_ApplyCuttingPlanesGeneral is the same on a body that does
-// not know it is a prism, which always takes it. BM_ApplyCuttingPlanesCrossing and its General
-// twin move the two planes 150 mm into the member, where each crosses it whole: the direct build.
+// planes run through the member's end points, so each meets the end's plane inside the section
+// (the direct build with a corner at each end); BM_ApplyCuttingPlanesGeneral is the same on a
+// body that does not know it is a prism, which takes the general split. BM_ApplyCuttingPlanesCrossing
+// and its General twin move the two planes 150 mm into the member, where each crosses it whole.
 // BM_TrimModel trims a project of 10,000 members with a head and a tail cut each (ten sections,
 // ten lengths, five head angles: 500 distinct solids), reading members and planes included;
 // BM_TrimModel/10000/1 gives every member a length of its own (10,000 distinct solids).

@@ -52,9 +52,10 @@ public:
     // The part of body on the positive side of every plane: what SplitPositiveBody gives applied
     // plane after plane (null when a plane leaves nothing, or for a failure). A prism (a body of
     // CBodyOcct::CreatePrism) whose cutting planes each cross the whole member, meeting every
-    // generator line between the member's ends, is built at once (LastTrimWasDirect()): end faces
-    // on the planes, side faces between them. That path reads only the section and the extrusion,
-    // which the prism's maker checked. Every other body and plane takes the general split.
+    // generator line between the member's ends, or meet an end's plane inside the section (one
+    // such corner an end), is built at once (LastTrimWasDirect()): end faces on the planes, side
+    // faces between them. That path reads only the section and the extrusion, which the prism's
+    // maker checked. Every other body and plane takes the general split.
     CBody* TrimPositiveBody(const std::vector<CPlane>& planes, const CBody* body);
     bool LastTrimWasDirect() const { return m_lastDirect; }
 

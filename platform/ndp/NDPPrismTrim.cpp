@@ -2,7 +2,10 @@
 // plane that cuts crosses the whole member (each generator line of the prism meets it between the
 // member's current ends), the trimmed prism is the section projected along the axis onto its two
 // end planes, with ruled side faces between them: planes stay planes, circles become ellipses on
-// exact cylinders. Every other case goes through the general split, plane after plane.
+// exact cylinders. A plane that meets an end's plane inside the section (a mitre through the end
+// point) makes a corner of that end: the section is split along the line where the two planes
+// meet, each part projected onto its plane. Every other case (a second corner on one end, a line
+// through a vertex of the section, a plane along the axis) goes through the general split.
 #include "ndp/NDPBooleanOperate.h"
 
 #include "ndp/NDPBody.h"
@@ -37,6 +40,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <vector>
 
 namespace ndp {
@@ -48,6 +52,14 @@ constexpr double kTwoPi = 2.0 * M_PI;
 struct End {
     gp_XYZ n;
     double d = 0.0;
+};
+
+// One end of the member: a plane, or (cornered) two planes meeting along a line across the
+// section, the end lying on whichever of them is further in.
+struct Side {
+    End base;
+    bool cornered = false;
+    End corner;
 };
 
 // One curve of a section loop, in a loop that runs counter-clockwise about the axis (holes
@@ -80,8 +92,8 @@ public:
         if (std::abs(std::abs(along) - 1.0) > 1e-12) return false;
         const bool flip = along < 0.0;
         const double base = m_axis.Dot(surface.Plane().Location().XYZ());
-        m_lo = {m_axis, base};
-        m_hi = {m_axis, base + length};
+        m_lo.base = {m_axis, base};
+        m_hi.base = {m_axis, base + length};
 
         for (TopoDS_Iterator wires(face); wires.More(); wires.Next()) {
             if (wires.Value().ShapeType() != TopAbs_WIRE) return false;
@@ -122,40 +134,83 @@ public:
     }
 
     // Follows the general split plane by plane on the prism's ends alone: a plane that misses
-    // keeps the body whole, one that leaves nothing ends it, one that cuts must cross the whole
-    // member and becomes its new end on that side.
+    // keeps the body whole, one that leaves nothing ends it, and one that cuts becomes the end on
+    // its side where it crosses the whole member, or a corner of that end where it meets the end's
+    // plane inside the section. Anything else (a second corner on one end, a plane that reaches
+    // the opposite end) is left to the general split.
     Plan plan(const std::vector<CPlane>& planes) {
         bool cut = false;
         for (const CPlane& plane : planes) {
             const gp_XYZ n = CBodyOcct::ToVec(plane.GetNormal()).XYZ().Normalized();
             const double d = n.Dot(CBodyOcct::ToPnt(plane.GetOrigin()).XYZ());
-            // Signed distance from the plane over the two ends: at the end e the section point p
-            // is at p + t_e(p) axis, which is linear in p.
-            double lowest = 0.0, highest = 0.0;
-            bool first = true;
-            for (const End* e : {&m_lo, &m_hi}) {
-                const double na = n.Dot(m_axis), ea = e->n.Dot(m_axis);
-                double low = 0.0, high = 0.0;
-                range(n - (na / ea) * e->n, low, high);
-                const double constant = na * e->d / ea - d;
-                if (first || low + constant < lowest) lowest = low + constant;
-                if (first || high + constant > highest) highest = high + constant;
-                first = false;
+            const End candidate{n, d};
+            // Signed distance from the plane over the ends: on an end plane e the section point p
+            // is at p + t_e(p) axis, linear in p. A cornered end lies on parts of its two planes,
+            // so its planes' whole ranges may reach further than the body does: there only the
+            // plain ends answer, and must show a cut.
+            double lowest = 0.0, highest = 0.0, plainLow = 0.0, plainHigh = 0.0;
+            bool first = true, firstPlain = true, exact = true;
+            for (const Side* side : {&m_lo, &m_hi}) {
+                exact = exact && !side->cornered;
+                for (const End* e : {&side->base, &side->corner}) {
+                    if (e == &side->corner && !side->cornered) continue;
+                    double low = 0.0, high = 0.0;
+                    distances(candidate, *e, low, high);
+                    if (first || low < lowest) lowest = low;
+                    if (first || high > highest) highest = high;
+                    first = false;
+                    if (side->cornered) continue;
+                    if (firstPlain || low < plainLow) plainLow = low;
+                    if (firstPlain || high > plainHigh) plainHigh = high;
+                    firstPlain = false;
+                }
             }
-            if (!(highest > g_DistEpsilon)) return Plan::Nothing;
-            if (!(lowest < -g_DistEpsilon)) continue;
+            if (exact) {
+                if (!(highest > g_DistEpsilon)) return Plan::Nothing;
+                if (!(lowest < -g_DistEpsilon)) continue;
+            } else if (firstPlain || !(plainLow < -g_DistEpsilon) || !(plainHigh > g_DistEpsilon)) {
+                // The body's corners are its own points: on both sides of the plane they show a cut.
+                double low = 0.0, high = 0.0;
+                bool any = false;
+                for (const Loop& loop : m_loops) {
+                    for (const Piece& piece : loop) {
+                        for (const bool atLow : {true, false}) {
+                            const gp_XYZ x = piece.start + at(atLow ? m_lo : m_hi, piece.start, atLow) * m_axis;
+                            const double value = n.Dot(x) - d;
+                            if (!any || value < low) low = value;
+                            if (!any || value > high) high = value;
+                            any = true;
+                        }
+                    }
+                }
+                if (!(low < -g_DistEpsilon) || !(high > g_DistEpsilon)) return Plan::General;
+            }
 
             const double na = n.Dot(m_axis);
             if (std::abs(na) < 1e-9) return Plan::General;
-            const End candidate{n, d};
-            End& replaced = na > 0.0 ? m_lo : m_hi;
-            const End& other = na > 0.0 ? m_hi : m_lo;
-            // Along each generator (t growing along the axis) the plane lies beyond the end it
-            // replaces and strictly short of the opposite end.
+            Side& side = na > 0.0 ? m_lo : m_hi;
+            const Side& other = na > 0.0 ? m_hi : m_lo;
+            if (side.cornered) return Plan::General;
+            // Along each generator (t growing along the axis) the plane stays strictly short of
+            // the opposite end, and lies beyond its own end everywhere (it replaces it) or on both
+            // sides of it by more than the tolerance (it makes a corner).
             const double sense = na > 0.0 ? 1.0 : -1.0;
-            if (minimumGap(replaced, candidate, sense) < -1e-9 || minimumGap(candidate, other, sense) <= g_DistEpsilon)
+            double low = 0.0, high = 0.0;
+            gap(candidate, other.base, sense, low, high);
+            if (low <= g_DistEpsilon) return Plan::General;
+            if (other.cornered) {
+                gap(candidate, other.corner, sense, low, high);
+                if (low <= g_DistEpsilon) return Plan::General;
+            }
+            gap(side.base, candidate, sense, low, high);
+            if (low >= -1e-9) {
+                side.base = candidate;
+            } else if (low < -kCornerGap && high > kCornerGap) {
+                side.cornered = true;
+                side.corner = candidate;
+            } else {
                 return Plan::General;
-            replaced = candidate;
+            }
             cut = true;
         }
         return cut ? Plan::Build : Plan::Whole;
@@ -165,47 +220,31 @@ public:
         BRep_Builder builder;
         TopoDS_Shell shell;
         builder.MakeShell(shell);
-        std::vector<TopoDS_Wire> loWires, hiWires;
+        EndFaces ends[2];  // low, high
         for (const Loop& loop : m_loops) {
             const size_t m = loop.size();
-            std::vector<TopoDS_Vertex> vLo(m), vHi(m);
-            std::vector<TopoDS_Edge> rise(m), eLo(m), eHi(m);
-            std::vector<double> tLo(m), tHi(m);
+            std::vector<int> vLo(m), vHi(m);
+            std::vector<TopoDS_Edge> rise(m);
             for (size_t i = 0; i < m; ++i) {
-                tLo[i] = at(m_lo, loop[i].start);
-                tHi[i] = at(m_hi, loop[i].start);
-                builder.MakeVertex(vLo[i], gp_Pnt(loop[i].start + tLo[i] * m_axis), kTolerance);
-                builder.MakeVertex(vHi[i], gp_Pnt(loop[i].start + tHi[i] * m_axis), kTolerance);
+                const double tLo = at(m_lo, loop[i].start, true), tHi = at(m_hi, loop[i].start, false);
+                vLo[i] = ends[0].vertex(loop[i].start + tLo * m_axis, loop[i].start);
+                vHi[i] = ends[1].vertex(loop[i].start + tHi * m_axis, loop[i].start);
                 // The rise's parameter is t, the cylinders' v.
                 builder.MakeEdge(rise[i], new Geom_Line(gp_Pnt(loop[i].start), gp_Dir(m_axis)), kTolerance);
-                builder.Add(rise[i], vLo[i].Oriented(TopAbs_FORWARD));
-                builder.Add(rise[i], vHi[i].Oriented(TopAbs_REVERSED));
-                builder.Range(rise[i], tLo[i], tHi[i]);
+                builder.Add(rise[i], ends[0].vertices[vLo[i]].Oriented(TopAbs_FORWARD));
+                builder.Add(rise[i], ends[1].vertices[vHi[i]].Oriented(TopAbs_REVERSED));
+                builder.Range(rise[i], tLo, tHi);
             }
-            std::vector<Handle(Geom_Curve)> cLo(m), cHi(m);
-            for (size_t i = 0; i < m; ++i) {
-                const size_t j = (i + 1) % m;
-                eLo[i] = endEdge(m_lo, loop[i], vLo[i], vLo[j], cLo[i]);
-                eHi[i] = endEdge(m_hi, loop[i], vHi[i], vHi[j], cHi[i]);
-            }
-            TopoDS_Wire lo, hi;
-            builder.MakeWire(lo);
-            builder.MakeWire(hi);
-            for (size_t k = 0; k < m; ++k) {
-                builder.Add(lo, eLo[m - 1 - k].Reversed());
-                builder.Add(hi, eHi[k]);
-            }
-            loWires.push_back(lo);
-            hiWires.push_back(hi);
-
             for (size_t i = 0; i < m; ++i) {
                 const size_t j = (i + 1) % m;
                 const Piece& piece = loop[i];
+                const std::vector<int> lo = chain(ends[0], m_lo, true, piece, vLo[i], vLo[j]);
+                const std::vector<int> hi = chain(ends[1], m_hi, false, piece, vHi[i], vHi[j]);
                 TopoDS_Wire wire;
                 builder.MakeWire(wire);
-                builder.Add(wire, eLo[i]);
+                for (int k : lo) builder.Add(wire, ends[0].edges[k].edge);
                 builder.Add(wire, rise[j]);
-                builder.Add(wire, eHi[i].Reversed());
+                for (auto k = hi.rbegin(); k != hi.rend(); ++k) builder.Add(wire, ends[1].edges[*k].edge.Reversed());
                 builder.Add(wire, rise[i].Reversed());
                 TopoDS_Face face;
                 if (!piece.arc) {
@@ -219,26 +258,39 @@ public:
                     const gp_Dir x(piece.ccw ? piece.start - piece.centre : piece.end - piece.centre);
                     Handle(Geom_CylindricalSurface) cylinder =
                         new Geom_CylindricalSurface(gp_Ax3(gp_Pnt(piece.centre), gp_Dir(m_axis), x), piece.radius);
-                    const double uStart = piece.ccw ? 0.0 : piece.sweep, uEnd = piece.ccw ? piece.sweep : 0.0;
                     builder.MakeFace(face, cylinder, kTolerance);
                     // The cylinder's normal points away from its axis: outward for counter-
                     // clockwise arcs; for clockwise ones the face is reversed, and its wire with it.
                     builder.Add(face, piece.ccw ? wire : TopoDS::Wire(wire.Reversed()));
+                    const double uStart = piece.ccw ? 0.0 : piece.sweep, uEnd = piece.ccw ? piece.sweep : 0.0;
                     if (i == j) {
                         builder.UpdateEdge(rise[i], riseCurve(kTwoPi), riseCurve(0.0), face, kTolerance);
                     } else {
                         builder.UpdateEdge(rise[i], riseCurve(uStart), face, kTolerance);
                         builder.UpdateEdge(rise[j], riseCurve(uEnd), face, kTolerance);
                     }
-                    onCylinder(eLo[i], cLo[i], cylinder, face, uStart, uEnd);
-                    onCylinder(eHi[i], cHi[i], cylinder, face, uStart, uEnd);
+                    for (int side = 0; side < 2; ++side) {
+                        for (int k : side == 0 ? lo : hi) {
+                            const EndEdge& e = ends[side].edges[k];
+                            const double u0 = piece.ccw ? e.from : piece.sweep - e.from;
+                            const double u1 = piece.ccw ? e.to : piece.sweep - e.to;
+                            onCylinder(e.edge, e.curve, cylinder, face, u0, u1);
+                        }
+                    }
                     if (!piece.ccw) face.Reverse();
                 }
                 builder.Add(shell, face);
             }
         }
-        builder.Add(shell, endFace(m_lo, loWires, false));
-        builder.Add(shell, endFace(m_hi, hiWires, true));
+        for (int side = 0; side < 2; ++side) {
+            const Side& s = side == 0 ? m_lo : m_hi;
+            if (s.cornered) chords(ends[side], s, side == 0);
+            for (const bool onCorner : {false, true}) {
+                if (onCorner && !s.cornered) continue;
+                for (const TopoDS_Face& face : endFaces(ends[side], onCorner ? s.corner : s.base, onCorner, side == 1))
+                    builder.Add(shell, face);
+            }
+        }
         shell.Closed(Standard_True);
         TopoDS_Solid solid;
         builder.MakeSolid(solid);
@@ -249,15 +301,235 @@ public:
 private:
     static constexpr double kTolerance = 1e-7;
 
-    double at(const End& e, const gp_XYZ& p) const { return (e.d - e.n.Dot(p)) / e.n.Dot(m_axis); }
+    // Below this a corner plane is taken as meeting its end's plane nowhere inside the section.
+    static constexpr double kCornerGap = 1e-5;
+    // Corner lines must pass this far from every vertex of the section.
+    static constexpr double kTouch = 1e-6;
 
-    // The least of t_to(p) - t_from(p) over the section, times sense.
-    double minimumGap(const End& from, const End& to, double sense) const {
+    // An edge of an end in the section's sense (material on its left about the axis), between
+    // two of the end's vertices; from and to are where it starts and ends along its piece (the
+    // angle from an arc's first end).
+    struct EndEdge {
+        TopoDS_Edge edge;
+        Handle(Geom_Curve) curve;
+        int first = 0, last = 0;
+        bool onCorner = false;
+        double from = 0.0, to = 0.0;
+        std::vector<gp_XYZ> samples;  // over the section, for the sense of its loop
+    };
+    struct EndFaces {
+        std::vector<TopoDS_Vertex> vertices;
+        std::vector<gp_XYZ> over;  // the section point under each vertex
+        std::vector<EndEdge> edges;
+        std::vector<int> crossings;  // vertices on the corner line
+        int vertex(const gp_XYZ& at, const gp_XYZ& section) {
+            TopoDS_Vertex v;
+            BRep_Builder().MakeVertex(v, gp_Pnt(at), kTolerance);
+            vertices.push_back(v);
+            over.push_back(section);
+            return static_cast<int>(vertices.size()) - 1;
+        }
+    };
+
+    double at(const End& e, const gp_XYZ& p) const { return (e.d - e.n.Dot(p)) / e.n.Dot(m_axis); }
+    double at(const Side& s, const gp_XYZ& p, bool low) const {
+        const double t = at(s.base, p);
+        if (!s.cornered) return t;
+        const double c = at(s.corner, p);
+        return low ? std::max(t, c) : std::min(t, c);
+    }
+
+    // The range of the signed distance from plane over the end plane e.
+    void distances(const End& plane, const End& e, double& low, double& high) const {
+        const double na = plane.n.Dot(m_axis), ea = e.n.Dot(m_axis);
+        range(plane.n - (na / ea) * e.n, low, high);
+        const double constant = na * e.d / ea - plane.d;
+        low += constant;
+        high += constant;
+    }
+
+    // The range of t_to(p) - t_from(p) over the section, times sense.
+    void gap(const End& from, const End& to, double sense, double& low, double& high) const {
         const double fa = from.n.Dot(m_axis), ta = to.n.Dot(m_axis);
-        const gp_XYZ g = sense * (from.n / fa - to.n / ta);
-        double low = 0.0, high = 0.0;
-        range(g, low, high);
-        return low + sense * (to.d / ta - from.d / fa);
+        range(sense * (from.n / fa - to.n / ta), low, high);
+        const double constant = sense * (to.d / ta - from.d / fa);
+        low += constant;
+        high += constant;
+    }
+
+    void arcFrame(const Piece& piece, gp_XYZ& e1, gp_XYZ& e2) const {
+        e1 = (piece.start - piece.centre) / piece.radius;
+        e2 = (piece.ccw ? m_axis : m_axis.Reversed()).Crossed(e1);
+    }
+
+    gp_XYZ pointOf(const Piece& piece, double along) const {
+        if (!piece.arc) return piece.start + along * (piece.end - piece.start);
+        gp_XYZ e1, e2;
+        arcFrame(piece, e1, e2);
+        return piece.centre + piece.radius * (std::cos(along) * e1 + std::sin(along) * e2);
+    }
+
+    Piece subPiece(const Piece& piece, double from, double to) const {
+        Piece sub = piece;
+        sub.start = from == 0.0 ? piece.start : pointOf(piece, from);
+        sub.end = to == (piece.arc ? piece.sweep : 1.0) ? piece.end : pointOf(piece, to);
+        sub.sweep = to - from;
+        return sub;
+    }
+
+    // The piece's edges on an end, split where the end's corner line crosses it.
+    std::vector<int> chain(EndFaces& end, const Side& side, bool low, const Piece& piece, int first, int last) {
+        const double length = piece.arc ? piece.sweep : 1.0;
+        std::vector<double> cuts;
+        if (side.cornered) {
+            const auto g = [&](const gp_XYZ& p) { return at(side.corner, p) - at(side.base, p); };
+            const double g0 = g(piece.start), g1 = g(piece.end);
+            if (std::abs(g0) < kTouch || std::abs(g1) < kTouch) throw Standard_Failure("a corner line through a vertex");
+            if (!piece.arc) {
+                if ((g0 < 0.0) != (g1 < 0.0)) cuts.push_back(g0 / (g0 - g1));
+            } else {
+                gp_XYZ e1, e2;
+                arcFrame(piece, e1, e2);
+                const double a = g(piece.centre);
+                const double b = g(piece.centre + piece.radius * e1) - a, c = g(piece.centre + piece.radius * e2) - a;
+                const double r = std::hypot(b, c);
+                const double ratio = r > 0.0 ? -a / r : 2.0;
+                if (std::abs(std::abs(ratio) - 1.0) < 1e-9) throw Standard_Failure("a corner line touching an arc");
+                if (std::abs(ratio) < 1.0) {
+                    const double phi = std::atan2(c, b), delta = std::acos(ratio);
+                    for (double root : {phi - delta, phi + delta}) {
+                        root -= kTwoPi * std::floor(root / kTwoPi);
+                        if (root > 0.0 && root < piece.sweep) cuts.push_back(root);
+                    }
+                    std::sort(cuts.begin(), cuts.end());
+                }
+            }
+        }
+        std::vector<int> result;
+        int from = first;
+        double at0 = 0.0;
+        for (size_t k = 0; k <= cuts.size(); ++k) {
+            const double at1 = k < cuts.size() ? cuts[k] : length;
+            int to = last;
+            if (k < cuts.size()) {
+                const gp_XYZ p = pointOf(piece, at1);
+                to = end.vertex(p + at(side.base, p) * m_axis, p);
+                end.crossings.push_back(to);
+            }
+            const Piece sub = subPiece(piece, at0, at1);
+            const gp_XYZ mid = pointOf(piece, 0.5 * (at0 + at1));
+            EndEdge e;
+            e.onCorner = side.cornered && ((at(side.corner, mid) > at(side.base, mid)) == low);
+            e.edge = endEdge(e.onCorner ? side.corner : side.base, sub, end.vertices[from], end.vertices[to], e.curve);
+            e.first = from;
+            e.last = to;
+            e.from = at0;
+            e.to = at1;
+            const int steps = piece.arc ? 8 : 1;
+            for (int i = 0; i < steps; ++i) e.samples.push_back(pointOf(piece, at0 + (at1 - at0) * i / steps));
+            end.edges.push_back(e);
+            result.push_back(static_cast<int>(end.edges.size()) - 1);
+            from = to;
+            at0 = at1;
+        }
+        return result;
+    }
+
+    // The segments of the corner line inside the section, shared by the end's two planes: the
+    // crossings in order along the line pair up.
+    void chords(EndFaces& end, const Side& side, bool low) const {
+        if (end.crossings.size() % 2 != 0) throw Standard_Failure("the corner line crosses the section oddly");
+        const gp_XYZ gradient = side.base.n / side.base.n.Dot(m_axis) - side.corner.n / side.corner.n.Dot(m_axis);
+        const gp_XYZ across = gradient - gradient.Dot(m_axis) * m_axis;
+        if (across.Modulus() < 1e-12) throw Standard_Failure("the corner planes are parallel");
+        // Walking along d, where the corner's t exceeds the base's is on the left.
+        const gp_XYZ d = across.Normalized().Crossed(m_axis);
+        std::vector<int> order = end.crossings;
+        std::sort(order.begin(), order.end(), [&](int a, int b) { return end.over[a].Dot(d) < end.over[b].Dot(d); });
+        for (size_t k = 0; k + 1 < order.size(); k += 2) {
+            const int a = order[k], b = order[k + 1];
+            const gp_Pnt pa = BRep_Tool::Pnt(end.vertices[a]), pb = BRep_Tool::Pnt(end.vertices[b]);
+            if (pa.Distance(pb) < kTouch) throw Standard_Failure("crossings of the corner line coincide");
+            BRep_Builder builder;
+            TopoDS_Edge edge;
+            builder.MakeEdge(edge, new Geom_Line(pa, gp_Dir(pb.XYZ() - pa.XYZ())), kTolerance);
+            builder.Add(edge, end.vertices[a].Oriented(TopAbs_FORWARD));
+            builder.Add(edge, end.vertices[b].Oriented(TopAbs_REVERSED));
+            builder.Range(edge, 0.0, pa.Distance(pb));
+            EndEdge along, back;
+            along.edge = edge;
+            along.first = a;
+            along.last = b;
+            along.onCorner = low;  // the greater t is the low end's, the lesser the high end's
+            along.samples = {end.over[a]};
+            back.edge = TopoDS::Edge(edge.Reversed());
+            back.first = b;
+            back.last = a;
+            back.onCorner = !low;
+            back.samples = {end.over[b]};
+            end.edges.push_back(along);
+            end.edges.push_back(back);
+        }
+    }
+
+    // The faces of an end on one of its planes: its edges there chained into loops, one face
+    // with its holes, or one face a loop where the region falls apart without holes.
+    std::vector<TopoDS_Face> endFaces(const EndFaces& end, const End& e, bool onCorner, bool high) const {
+        std::map<int, int> next;
+        std::vector<int> mine;
+        for (size_t k = 0; k < end.edges.size(); ++k) {
+            if (end.edges[k].onCorner != onCorner) continue;
+            if (!next.emplace(end.edges[k].first, static_cast<int>(k)).second) throw Standard_Failure("loops of an end meet");
+            mine.push_back(static_cast<int>(k));
+        }
+        const gp_XYZ helper = std::abs(m_axis.X()) < 0.9 ? gp_XYZ(1, 0, 0) : gp_XYZ(0, 1, 0);
+        const gp_XYZ e1 = helper.Crossed(m_axis).Normalized();
+        const gp_XYZ e2 = m_axis.Crossed(e1);
+        std::vector<bool> used(end.edges.size(), false);
+        std::vector<TopoDS_Wire> outer, holes;
+        BRep_Builder builder;
+        for (const int start : mine) {
+            if (used[start]) continue;
+            std::vector<int> loop;
+            int k = start;
+            do {
+                if (used[k]) throw Standard_Failure("a loop of an end does not close");
+                used[k] = true;
+                loop.push_back(k);
+                const auto found = next.find(end.edges[k].last);
+                if (found == next.end()) throw Standard_Failure("a loop of an end is open");
+                k = found->second;
+            } while (k != start);
+            std::vector<gp_XYZ> points;
+            for (int i : loop) points.insert(points.end(), end.edges[i].samples.begin(), end.edges[i].samples.end());
+            double area = 0.0;
+            for (size_t i = 0; i < points.size(); ++i) {
+                const gp_XYZ& p = points[i];
+                const gp_XYZ& q = points[(i + 1) % points.size()];
+                area += p.Dot(e1) * q.Dot(e2) - q.Dot(e1) * p.Dot(e2);
+            }
+            TopoDS_Wire wire;
+            builder.MakeWire(wire);
+            if (high) {
+                for (int i : loop) builder.Add(wire, end.edges[i].edge);
+            } else {
+                for (auto i = loop.rbegin(); i != loop.rend(); ++i) builder.Add(wire, end.edges[*i].edge.Reversed());
+            }
+            (area > 0.0 ? outer : holes).push_back(wire);
+        }
+        if (outer.size() != 1 && !holes.empty()) throw Standard_Failure("an end with several parts and holes");
+        const bool alongAxis = e.n.Dot(m_axis) > 0.0;
+        const gp_XYZ outward = (alongAxis == high) ? e.n : e.n.Reversed();
+        std::vector<TopoDS_Face> faces;
+        for (const TopoDS_Wire& wire : outer) {
+            TopoDS_Face face;
+            builder.MakeFace(face, new Geom_Plane(gp_Pnt(e.d * e.n), gp_Dir(outward)), kTolerance);
+            builder.Add(face, wire);
+            if (outer.size() == 1)
+                for (const TopoDS_Wire& hole : holes) builder.Add(face, hole);
+            faces.push_back(face);
+        }
+        return faces;
     }
 
     // The range of g . p over the section (its loops' points and the arcs' extremes).
@@ -356,19 +628,8 @@ private:
         }
     }
 
-    // An end face: on the plane, facing away from the member (against the axis at the low end).
-    TopoDS_Face endFace(const End& e, const std::vector<TopoDS_Wire>& wires, bool high) const {
-        const bool alongAxis = e.n.Dot(m_axis) > 0.0;
-        const gp_XYZ outward = (alongAxis == high) ? e.n : e.n.Reversed();
-        BRep_Builder builder;
-        TopoDS_Face face;
-        builder.MakeFace(face, new Geom_Plane(gp_Pnt(e.d * e.n), gp_Dir(outward)), kTolerance);
-        for (const TopoDS_Wire& wire : wires) builder.Add(face, wire);
-        return face;
-    }
-
     gp_XYZ m_axis;
-    End m_lo, m_hi;
+    Side m_lo, m_hi;
     std::vector<Loop> m_loops;
 };
 

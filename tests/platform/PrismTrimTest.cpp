@@ -1,7 +1,8 @@
 // Planar trims of straight prisms built directly, against the general split plane after plane:
 // an H with root fillets, a welded H, a pipe and an angle, cut square, obliquely up to 80 degrees,
-// at both ends, by planes that touch, miss or coincide, and by planes the direct build must leave
-// to the general split (through the section's own plane, along the axis, across the far end).
+// at both ends, by planes that touch, miss or coincide, by planes that meet an end's plane inside
+// the section (a corner of the end), and by planes the direct build leaves to the general split
+// (a second corner on one end, along the axis, across the far end).
 #include "ndp/NDPBody.h"
 #include "ndp/NDPBodyOcct.h"
 #include "ndp/NDPBooleanOperate.h"
@@ -161,8 +162,22 @@ const Case kCases[] = {
      true},
     {"through the ends' own planes (part of the section)",
      [](const Member& m) {
-         const double y = 0.5 * (m.yMin + m.yMax), s = std::sin(radians(20)), c = std::cos(radians(20));
+         const double y = 0.5 * (m.yMin + m.yMax) + 3, s = std::sin(radians(20)), c = std::cos(radians(20));
          return std::vector<CPlane>{plane({0, y, 0}, {0, s, c}), plane({0, y, kLength}, {0, s, -c})};
+     },
+     true},
+    {"a corner across one flange, then a square tail",
+     [](const Member& m) {
+         const double s = std::sin(radians(30)), c = std::cos(radians(30));
+         return std::vector<CPlane>{plane({0, m.yMax - 7, 0}, {0, s, c}), end(2500, 0, true)};
+     },
+     true},
+    {"a corner about Y at the tail", [](const Member&) { return std::vector<CPlane>{end(kLength, -25, true, true)}; },
+     true},
+    {"two corners at one end",
+     [](const Member& m) {
+         const double y = 0.5 * (m.yMin + m.yMax), s = std::sin(radians(20)), c = std::cos(radians(20));
+         return std::vector<CPlane>{plane({0, y, 0}, {0, s, c}), plane({0, y, 0}, {0, -s, c})};
      },
      false},
     {"along the axis (a notch)",
