@@ -235,6 +235,8 @@ public:
                 builder.Add(rise[i], ends[1].vertices[vHi[i]].Oriented(TopAbs_REVERSED));
                 builder.Range(rise[i], tLo, tHi);
             }
+            throughVertices(ends[0], m_lo, loop, vLo);
+            throughVertices(ends[1], m_hi, loop, vHi);
             for (size_t i = 0; i < m; ++i) {
                 const size_t j = (i + 1) % m;
                 const Piece& piece = loop[i];
@@ -384,9 +386,11 @@ private:
         if (side.cornered) {
             const auto g = [&](const gp_XYZ& p) { return at(side.corner, p) - at(side.base, p); };
             const double g0 = g(piece.start), g1 = g(piece.end);
-            if (std::abs(g0) < kTouch || std::abs(g1) < kTouch) throw Standard_Failure("a corner line through a vertex");
+            // A vertex on the corner line is no cut of its pieces (see throughVertices).
+            const bool startOn = std::abs(g0) < kTouch, endOn = std::abs(g1) < kTouch;
+            const double margin = 1e-9 * length;
             if (!piece.arc) {
-                if ((g0 < 0.0) != (g1 < 0.0)) cuts.push_back(g0 / (g0 - g1));
+                if (!startOn && !endOn && (g0 < 0.0) != (g1 < 0.0)) cuts.push_back(g0 / (g0 - g1));
             } else {
                 gp_XYZ e1, e2;
                 arcFrame(piece, e1, e2);
@@ -399,7 +403,7 @@ private:
                     const double phi = std::atan2(c, b), delta = std::acos(ratio);
                     for (double root : {phi - delta, phi + delta}) {
                         root -= kTwoPi * std::floor(root / kTwoPi);
-                        if (root > 0.0 && root < piece.sweep) cuts.push_back(root);
+                        if (root > margin && root < piece.sweep - margin) cuts.push_back(root);
                     }
                     std::sort(cuts.begin(), cuts.end());
                 }
@@ -416,6 +420,7 @@ private:
                 to = end.vertex(p + at(side.base, p) * m_axis, p);
                 end.crossings.push_back(to);
             }
+            if (at1 - at0 < 1e-6 * length) throw Standard_Failure("a corner line nearly through a vertex");
             const Piece sub = subPiece(piece, at0, at1);
             const gp_XYZ mid = pointOf(piece, 0.5 * (at0 + at1));
             EndEdge e;
@@ -433,6 +438,26 @@ private:
             at0 = at1;
         }
         return result;
+    }
+
+    // Section vertices on the end's corner line where the section's boundary crosses it (the
+    // line meets the boundary just before and just after on opposite sides) are crossings; where
+    // it only touches them, they are none.
+    void throughVertices(EndFaces& end, const Side& side, const Loop& loop, const std::vector<int>& vertices) const {
+        if (!side.cornered) return;
+        const auto g = [&](const gp_XYZ& p) { return at(side.corner, p) - at(side.base, p); };
+        const size_t m = loop.size();
+        for (size_t i = 0; i < m; ++i) {
+            if (std::abs(g(loop[i].start)) >= kTouch) continue;
+            const Piece& before = loop[(i + m - 1) % m];
+            const Piece& after = loop[i];
+            const double beforeLength = before.arc ? before.sweep : 1.0, afterLength = after.arc ? after.sweep : 1.0;
+            const double gBefore = g(pointOf(before, beforeLength * (1.0 - 1e-3)));
+            const double gAfter = g(pointOf(after, afterLength * 1e-3));
+            if (std::abs(gBefore) < kTouch || std::abs(gAfter) < kTouch)
+                throw Standard_Failure("a piece of the section runs along the corner line");
+            if ((gBefore < 0.0) != (gAfter < 0.0)) end.crossings.push_back(vertices[i]);
+        }
     }
 
     // The segments of the corner line inside the section, shared by the end's two planes: the

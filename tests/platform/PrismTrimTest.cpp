@@ -172,6 +172,8 @@ const Case kCases[] = {
          return std::vector<CPlane>{plane({0, m.yMax - 7, 0}, {0, s, c}), end(2500, 0, true)};
      },
      true},
+    {"mitres through the end points on the axis (through the pipe's seams)",
+     [](const Member&) { return std::vector<CPlane>{end(0, 20, false), end(kLength, -15, true)}; }, true},
     {"a corner about Y at the tail", [](const Member&) { return std::vector<CPlane>{end(kLength, -25, true, true)}; },
      true},
     {"two corners at one end",
