@@ -4,8 +4,9 @@
 // end planes, with ruled side faces between them: planes stay planes, circles become ellipses on
 // exact cylinders. A plane that meets an end's plane inside the section (a mitre through the end
 // point) makes a corner of that end: the section is split along the line where the two planes
-// meet, each part projected onto its plane. Every other case (a second corner on one end, a line
-// through a vertex of the section, a plane along the axis) goes through the general split.
+// meet, each part projected onto its plane. Every other case (a second corner on one end, a
+// corner line along a piece of the section or touching an arc, a plane along the axis) goes
+// through the general split.
 #include "ndp/NDPBooleanOperate.h"
 
 #include "ndp/NDPBody.h"
