@@ -4,7 +4,14 @@
 // on a bounded face, then the common part). BM_KernelSplits is the same through the kernel's
 // CBooleanOperate with its four flags on (input check, non-destructive, unified result, parallel).
 // BM_ApplyCuttingPlanes is the library's whole trimming of an element: reading its two
-// "CuttingPlane" records from a project and cutting the member the solid shape hands out.
+// "CuttingPlane" records from a project and cutting the member the solid shape hands out. Its
+// planes run through the member's end points, so each meets the end's plane inside the section
+// (the direct build with a corner at each end); BM_ApplyCuttingPlanesGeneral is the same on a
+// body that does not know it is a prism, which takes the general split. BM_ApplyCuttingPlanesCrossing
+// and its General twin move the two planes 150 mm into the member, where each crosses it whole.
+// BM_TrimModel trims a project of 10,000 members with a head and a tail cut each (ten sections,
+// ten lengths, five head angles: 500 distinct solids), reading members and planes included;
+// BM_TrimModel/10000/1 gives every member a length of its own (10,000 distinct solids).
 #include "body_builder/SKRBodyBuilder.h"
 #include "ndp/NDPBody.h"
 #include "ndp/NDPRef.h"
@@ -14,8 +21,12 @@
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
 #include "ndp/NDPPlane.h"
+#include "body_builder/SKRMemberSolidShape.h"
+#include "solid_split/SKRCuttingPlaneStore.h"
+#include "solid_split/SKRModelTrim.h"
 #include "solid_split/SKRSolidSplit.h"
 #include "vmp/VMPElementDrawObj.h"
+#include "vmp/VMPMembers.h"
 #include "vmp/VMPProjectModel.h"
 
 #include <QTemporaryDir>
@@ -28,6 +39,8 @@
 #include <BRepPrimAPI_MakeHalfSpace.hxx>
 #include <Bnd_Box.hxx>
 #include <TopExp_Explorer.hxx>
+
+#include <sys/resource.h>
 
 #include <cmath>
 #include <memory>
@@ -138,20 +151,23 @@ void addCuttingPlane(ndp::CDBTable* table, bool isTail, const ndp::CPlane& plane
     record->Release();
 }
 
-void BM_ApplyCuttingPlanes(benchmark::State& state) {
+// Trims the member by its head and tail planes moved inset into it; prism: the solid shape hands
+// out the body builder's prism, else a body of the same shape that is no prism.
+void applyCuttingPlanes(benchmark::State& state, bool prism, double inset) {
     QString error;
-    const BodyPtr body = member(error);
+    const BodyPtr built = member(error);
     QTemporaryDir dir;
     VMPProjectModel model;
-    if (!body || !model.open(dir.filePath("project.KDB"))) {
+    if (!built || !model.open(dir.filePath("project.KDB"))) {
         state.SkipWithError("no member or no project");
         return;
     }
+    const BodyPtr body(prism ? built->Copy() : ndp::CBodyOcct::Create(ndp::CBodyOcct::Shape(*built)));
     // The head frame is the global frame, so the planes' frames are their own local coordinates;
     // the tail plane's origin is the tail frame's origin.
     ndp::CDBTable* table = model.getProjectDB()->GetTable(L"CuttingPlane");
-    addCuttingPlane(table, false, headPlane(), {0, 0, 0});
-    addCuttingPlane(table, true, tailPlane(), {0, 0, 0});
+    addCuttingPlane(table, false, headPlane(), {0, 0, inset});
+    addCuttingPlane(table, true, tailPlane(), {0, 0, -inset});
     const VMPElementDrawObj element(1, &model, ndp::CCoord3(), kLength);
     PrebuiltShape shape(body.get());
     const double uncut = body->Volume();
@@ -166,6 +182,78 @@ void BM_ApplyCuttingPlanes(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
     state.SetLabel("ms per member");
 }
+
+void BM_ApplyCuttingPlanes(benchmark::State& state) { applyCuttingPlanes(state, true, 0.0); }
 BENCHMARK(BM_ApplyCuttingPlanes)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesGeneral(benchmark::State& state) { applyCuttingPlanes(state, false, 0.0); }
+BENCHMARK(BM_ApplyCuttingPlanesGeneral)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesCrossing(benchmark::State& state) { applyCuttingPlanes(state, true, 150.0); }
+BENCHMARK(BM_ApplyCuttingPlanesCrossing)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyCuttingPlanesCrossingGeneral(benchmark::State& state) { applyCuttingPlanes(state, false, 150.0); }
+BENCHMARK(BM_ApplyCuttingPlanesCrossingGeneral)->Unit(benchmark::kMillisecond);
+
+double peakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+// count members on a grid 2 m apart: ten sections by ten lengths (or, distinct, a length each), a
+// head plane 400 mm in tilted by one of five angles about the section's X axis, and a square tail
+// plane 400 mm in.
+bool writeModel(const QString& path, int count, bool distinct) {
+    VMPProjectModel model;
+    if (!model.open(path)) return false;
+    const QString sections[] = {"H400*200*8*13", "H300*150*6*9", "H500*250*10*16", "H250*125*6*9", "D219*8",
+                                "H350*175*7*11", "C160*60*20*2.5", "D325*10", "H600*300*12*20", "C200*70*20*2"};
+    const double angles[] = {0, 10, 20, 30, 45};
+    ndp::CDatabase* db = model.getProjectDB();
+    for (int i = 0; i < count; ++i) {
+        VMPMember m;
+        m.section = sections[i % 10];
+        const double length = distinct ? 3000.0 + 0.5 * i : 3000.0 + 500.0 * ((i / 10) % 10);
+        m.start = {2000.0 * (i % 100), 2000.0 * (i / 100), 0};
+        m.end = m.start;
+        m.end[0] += length;
+        if (!VMPAddMember(db, m, nullptr)) return false;
+        const double a = angles[(i / 100) % 5] * kPi / 180;
+        skr::split::CuttingPlaneRecord head, tail;
+        head.elementId = tail.elementId = m.id;
+        head.local = ndp::MakeFrame({0, 0, 400}, {1, 0, 0}, {0, std::cos(a), -std::sin(a)}, {0, std::sin(a), std::cos(a)});
+        tail.isTail = true;
+        tail.local = ndp::MakeFrame({0, 0, -400}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
+        if (!skr::split::AddCuttingPlaneRecord(db, head, nullptr) || !skr::split::AddCuttingPlaneRecord(db, tail, nullptr))
+            return false;
+    }
+    return model.save();
+}
+
+void BM_TrimModel(benchmark::State& state) {
+    QTemporaryDir dir;
+    const int count = static_cast<int>(state.range(0));
+    if (!writeModel(dir.filePath("model.KDB"), count, state.range(1) != 0)) return state.SkipWithError("cannot write the model");
+    VMPProjectModel model;
+    if (!model.open(dir.filePath("model.KDB"))) return state.SkipWithError("cannot open the model");
+    const VMPSolidShapeFactory factory = [](const QString& section, double length, const ndp::CoordinateSystem3& head) {
+        return std::unique_ptr<IVMPSolidShape>(new skr::body::SKRMemberSolidShape(section, length, head));
+    };
+    int solids = 0;
+    for (auto _ : state) {
+        skr::split::SKRModelTrim trim;
+        QString error;
+        if (!skr::split::TrimModelMembers(model.getProjectDB(), factory, trim, &error))
+            return state.SkipWithError(error.toStdString().c_str());
+        if (static_cast<int>(trim.members.size()) != count) return state.SkipWithError("members missing");
+        solids = static_cast<int>(trim.solids.size());
+        benchmark::DoNotOptimize(trim.solids.data());
+    }
+    state.counters["solids"] = solids;
+    state.counters["peak_MB"] = peakMegabytes();
+    state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(BM_TrimModel)->Args({10000, 0})->Args({10000, 1})->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

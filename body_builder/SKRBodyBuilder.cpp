@@ -165,9 +165,14 @@ CBody* SKRBodyBuilder::extrudedMember(const ndp::CPolygon& section, double lengt
         TopoDS_Face face;
         if (!CBodyOcct::ToAx3(frame, placement, error) || !CBodyOcct::MakeFace(section, placement, face, error))
             return nullptr;
-        BRepPrimAPI_MakePrism prism(face, gp_Vec(placement.Direction()) * length);
+        const gp_Vec extrusion = gp_Vec(placement.Direction()) * length;
+        BRepPrimAPI_MakePrism prism(face, extrusion);
         if (!prism.IsDone()) return refuse(error, QStringLiteral("the section could not be extruded"));
-        return CBodyOcct::Create(prism.Shape());
+        // The face passed the kernel's check, and a planar face swept straight is a valid solid:
+        // a split of the member need not check it again.
+        CBody* body = CBodyOcct::CreatePrism(prism.Shape(), face, extrusion);
+        CBodyOcct::SetKnownValid(*body);
+        return body;
     });
 }
 

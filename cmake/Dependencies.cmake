@@ -1,5 +1,7 @@
 # Third-party packages, all from Debian (scripts/install-deps.sh installs them).
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Script LinguistTools)
+# The solid splitting trims a model's distinct solids on Qt's thread pool.
+find_package(Qt5 5.15 REQUIRED COMPONENTS Concurrent)
 set(CMAKE_AUTOMOC ON)
 
 if(BXQ_BUILD_TESTS)

@@ -9,6 +9,7 @@
 #include "vmp/IVMPModel.h"
 
 #include <cmath>
+#include <vector>
 
 namespace skr {
 namespace split {
@@ -52,13 +53,15 @@ ndp::CBody* ApplyCuttingPlanes(const IVMPElementDrawObj& element, IVMPSolidShape
     CuttingPlaneEntries entries;
     if (ReadCuttingPlanes(model ? model->getProjectDB() : nullptr, element.getId(), entries, false)) {
         const CoordinateSystem3 tail = TailFrame(element);
-        ndp::CBooleanOperate splitter(true, true, true, true);
-        for (const CuttingPlaneEntry& entry : entries) {
-            if (!body) break;
-            const CoordinateSystem3 global = ndp::ToGlobal(entry.LocalCoordinate, entry.IsTail ? tail : head);
-            ndp::CPlane plane;
-            plane.Create(global.origin, global.zAxis);
-            ndp::CBody* trimmed = splitter.SplitPositiveBody(plane, body);
+        std::vector<ndp::CPlane> planes(entries.size());
+        for (size_t i = 0; i < entries.size(); ++i) {
+            const CoordinateSystem3 global = ndp::ToGlobal(entries[i].LocalCoordinate, entries[i].IsTail ? tail : head);
+            planes[i].Create(global.origin, global.zAxis);
+        }
+        // Plane after plane, or at once for a straight member that every plane crosses whole.
+        if (body) {
+            ndp::CBooleanOperate splitter(true, true, true, true);
+            ndp::CBody* trimmed = splitter.TrimPositiveBody(planes, body);
             release(body);
             body = trimmed;
         }

@@ -7,7 +7,10 @@
 #include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepGProp.hxx>
+#include <BRepBuilderAPI_Copy.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
+#include <BRepPrimAPI_MakePrism.hxx>
+#include <TopoDS.hxx>
 #include <Bnd_Box.hxx>
 #include <GProp_GProps.hxx>
 #include <Standard_Failure.hxx>
@@ -26,6 +29,9 @@ namespace ndp {
 
 struct CBody::Data {
     TopoDS_Shape shape;
+    // For a prism: the section face it was extruded from and the extrusion (null face otherwise).
+    TopoDS_Face section;
+    gp_Vec extrusion;
     // The kernel's validity check, run once and shared by the copies of a body: bodies never
     // change after they are made.
     enum class Validity { Unknown, Valid, Invalid };
@@ -122,7 +128,26 @@ CBody* CBody::CreateFace(const CPolygon& polygon, const CCoord3& frame, QString*
 CBody* CBody::Copy() const {
     CBody* copy = CBodyOcct::Create(m_data->shape);
     copy->m_data->validity = m_data->validity;  // the same shape, so the same answer
+    copy->m_data->section = m_data->section;
+    copy->m_data->extrusion = m_data->extrusion;
     return copy;
+}
+
+bool CBody::IsPrism() const { return !m_data->section.IsNull(); }
+
+CBody* CBody::ExtrudedTo(double length) const {
+    if (!IsPrism() || !(length > 0.0) || !std::isfinite(length) || m_data->extrusion.Magnitude() == 0.0) return nullptr;
+    try {
+        const gp_Vec extrusion = m_data->extrusion.Normalized() * length;
+        const TopoDS_Face section = TopoDS::Face(BRepBuilderAPI_Copy(m_data->section).Shape());
+        BRepPrimAPI_MakePrism prism(section, extrusion);
+        if (!prism.IsDone()) return nullptr;
+        CBody* body = CBodyOcct::CreatePrism(prism.Shape(), section, extrusion);
+        body->m_data->validity = std::make_shared<Data::Validity>(*m_data->validity);  // the same section swept
+        return body;
+    } catch (const Standard_Failure&) {
+        return nullptr;
+    }
 }
 
 int CBody::SolidCount() const { return countOf(m_data->shape, TopAbs_SOLID); }
@@ -186,7 +211,25 @@ bool CBody::IsValid() const {
 
 void CBodyOcct::SetKnownValid(CBody& body) { *body.m_data->validity = CBody::Data::Validity::Valid; }
 
-CBody* CBodyOcct::Create(const TopoDS_Shape& shape) { return new CBody(new CBody::Data{unwrapped(shape)}); }
+CBody* CBodyOcct::Create(const TopoDS_Shape& shape) {
+    auto* data = new CBody::Data;
+    data->shape = unwrapped(shape);
+    return new CBody(data);
+}
+
+CBody* CBodyOcct::CreatePrism(const TopoDS_Shape& solid, const TopoDS_Face& section, const gp_Vec& extrusion) {
+    CBody* body = Create(solid);
+    body->m_data->section = section;
+    body->m_data->extrusion = extrusion;
+    return body;
+}
+
+bool CBodyOcct::PrismOf(const CBody& body, TopoDS_Face& section, gp_Vec& extrusion) {
+    if (body.m_data->section.IsNull()) return false;
+    section = body.m_data->section;
+    extrusion = body.m_data->extrusion;
+    return true;
+}
 
 const TopoDS_Shape& CBodyOcct::Shape(const CBody& body) { return body.m_data->shape; }
 

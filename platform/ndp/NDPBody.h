@@ -42,6 +42,12 @@ public:
 
     // Another handle on the same geometry, starting at one.
     CBody* Copy() const;
+    // Whether the body is a straight prism of a planar section (made as one by a body builder).
+    bool IsPrism() const;
+    // For a prism: its section extruded the same way to another length, a new prism with
+    // geometry of its own (so that other threads may work on it). Null for other bodies and for
+    // a length that is not positive.
+    CBody* ExtrudedTo(double length) const;
 
     // No solid: nothing but faces, or nothing at all.
     bool IsEmpty() const { return SolidCount() == 0; }

@@ -26,6 +26,11 @@ public:
     // A new body (reference count one) holding shape. A compound of exactly one solid is
     // unwrapped to that solid.
     static CBody* Create(const TopoDS_Shape& shape);
+    // A body holding solid, the prism of the planar face section extruded by extrusion: it keeps
+    // both, so that planar trims of it can be built directly (CBooleanOperate::TrimPositiveBody).
+    static CBody* CreatePrism(const TopoDS_Shape& solid, const TopoDS_Face& section, const gp_Vec& extrusion);
+    // The section and extrusion of a body made by CreatePrism (and its copies); false for others.
+    static bool PrismOf(const CBody& body, TopoDS_Face& section, gp_Vec& extrusion);
     // Records that body passed the validity check, for a body made by a kernel operation whose
     // result is valid whenever its input is (CBody::IsValid then answers without checking).
     static void SetKnownValid(CBody& body);

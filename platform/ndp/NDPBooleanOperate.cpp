@@ -8,13 +8,19 @@
 #include "ndp/NDPPlane.h"
 #include "ndp/NDPTolerance.h"
 
+#include <BOPAlgo_Alerts.hxx>
 #include <BRepAlgoAPI_Common.hxx>
+#include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepPrimAPI_MakeHalfSpace.hxx>
+#include <BRep_Tool.hxx>
+#include <Bnd_Box.hxx>
+#include <Message_Report.hxx>
+#include <ShapeUpgrade_UnifySameDomain.hxx>
 #include <Standard_Failure.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_ListOfShape.hxx>
-#include <ShapeUpgrade_UnifySameDomain.hxx>
+#include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
 
 #include <algorithm>
@@ -53,6 +59,18 @@ int faceCount(const TopoDS_Shape& shape) {
     return count;
 }
 
+// Below this many faces the kernel's threads cost more than they save: a member's split runs on
+// the caller's thread even when threads are allowed.
+constexpr int kParallelFaces = 200;
+
+// The solid builder leaves the half-space's face outside the body unused and says so: the one
+// warning that does not make a result doubtful.
+bool onlyUnusedFaces(const Message_ListOfAlert& warnings) {
+    for (Message_ListOfAlert::Iterator it(warnings); it.More(); it.Next())
+        if (!it.Value()->IsInstance(STANDARD_TYPE(BOPAlgo_AlertSolidBuilderUnusedFaces))) return false;
+    return true;
+}
+
 // One split: the body's shape, where it lies, and the bounded face of the plane over it.
 class Splitter {
 public:
@@ -67,7 +85,9 @@ public:
         if (m_shape.IsNull() || solidCount(m_shape) == 0) return refuse(QStringLiteral("the body has no solid"));
         if (m_checkInput && !body->IsValid())
             return refuse(QStringLiteral("the body is not a valid solid"));
-        m_where.box = body->BoundingBoxInPlane(plane);
+        // Vertices on both sides beyond the tolerance settle that the plane cuts, and then a box
+        // about the body is enough to size the plane's face. Otherwise the tight box decides.
+        if (!crossesAtVertices(plane) || !looseBoxInPlane(plane, m_where.box)) m_where.box = body->BoundingBoxInPlane(plane);
         if (m_where.box.IsEmpty()) return refuse(QStringLiteral("the body has no extent"));
         m_face = boundedFace(plane, m_where.box, m_margin);
         m_plane = plane;
@@ -94,6 +114,37 @@ public:
     bool clean() const { return m_clean; }
 
 private:
+    bool crossesAtVertices(const CPlane& plane) const {
+        bool below = false, above = false;
+        for (TopExp_Explorer it(m_shape, TopAbs_VERTEX); it.More() && !(below && above); it.Next()) {
+            const double distance = plane.SignedDistance(CBodyOcct::FromPnt(BRep_Tool::Pnt(TopoDS::Vertex(it.Current()))));
+            below = below || distance < -g_DistEpsilon;
+            above = above || distance > g_DistEpsilon;
+        }
+        return below && above;
+    }
+
+    // The body's box (with the kernel's allowance) turned into the plane's U, V, normal coordinates.
+    bool looseBoxInPlane(const CPlane& plane, CBox3d& out) const {
+        Bnd_Box global;
+        BRepBndLib::Add(m_shape, global, Standard_False);
+        if (global.IsVoid()) return false;
+        double lo[3], hi[3];
+        global.Get(lo[0], lo[1], lo[2], hi[0], hi[1], hi[2]);
+        const CVector3 axes[3] = {plane.GetUDirection(), plane.GetVDirection(), plane.GetNormal()};
+        for (int corner = 0; corner < 8; ++corner) {
+            const CVector3 p{corner & 1 ? hi[0] : lo[0], corner & 2 ? hi[1] : lo[1], corner & 4 ? hi[2] : lo[2]};
+            const CVector3 d = p - plane.GetOrigin();
+            for (int k = 0; k < 3; ++k) {
+                const double value = Dot(d, axes[k]);
+                if (corner == 0 || value < out.min[k]) out.min[k] = value;
+                if (corner == 0 || value > out.max[k]) out.max[k] = value;
+            }
+        }
+        out.empty = false;
+        return true;
+    }
+
     bool refuse(const QString& text) {
         m_error = text;
         return false;
@@ -107,7 +158,7 @@ private:
         op.SetArguments(arguments);
         op.SetTools(tools);
         op.SetNonDestructive(m_nonDestructive);
-        op.SetRunParallel(m_runParallel);
+        op.SetRunParallel(m_runParallel && faceCount(m_shape) > kParallelFaces);
         op.Build();
         if (op.HasErrors() || !op.IsDone()) {
             std::ostringstream report;
@@ -115,10 +166,11 @@ private:
             return refuse(QStringLiteral("the kernel could not split the body: ") +
                           QString::fromStdString(report.str()).simplified());
         }
-        m_clean = !op.HasWarnings();
+        m_clean = onlyUnusedFaces(op.GetReport()->GetAlerts(Message_Warning));
         out = op.Shape();
         if (m_unifyResult && !out.IsNull()) {
             ShapeUpgrade_UnifySameDomain unify(out, Standard_True, Standard_True, Standard_False);
+            unify.SetSafeInputMode(Standard_False);  // the result is ours: no copy of it
             unify.Build();
             out = unify.Shape();
         }

@@ -21,13 +21,15 @@
 //   nonDestructive: the kernel never adjusts the tolerances of the input body's own edges and
 //                   vertices (other handles on the same geometry stay exactly as they were);
 //   unifyResult:    faces and edges of a result that lie on one surface or curve are merged;
-//   runParallel:    the kernel may use several threads.
+//   runParallel:    the kernel may use several threads (it does for large bodies, where they pay).
 // Nothing throws out of these operations.
 #pragma once
 
 #include "PlatformGlobal.h"
 
 #include <QString>
+
+#include <vector>
 
 namespace ndp {
 
@@ -47,6 +49,16 @@ public:
     // new body, or null with true when the plane misses the body; false only for a failure.
     bool CutFace(const CPlane& plane, const CBody* body, CBody*& cutFace);
 
+    // The part of body on the positive side of every plane: what SplitPositiveBody gives applied
+    // plane after plane (null when a plane leaves nothing, or for a failure). A prism (a body of
+    // CBodyOcct::CreatePrism) whose cutting planes each cross the whole member, meeting every
+    // generator line between the member's ends, or meet an end's plane inside the section (one
+    // such corner an end), is built at once (LastTrimWasDirect()): end faces on the planes, side
+    // faces between them. That path reads only the section and the extrusion, which the prism's
+    // maker checked. Every other body and plane takes the general split.
+    CBody* TrimPositiveBody(const std::vector<CPlane>& planes, const CBody* body);
+    bool LastTrimWasDirect() const { return m_lastDirect; }
+
     // Why the last operation gave no result; empty when it succeeded or nothing remained.
     const QString& GetLastError() const { return m_lastError; }
 
@@ -57,6 +69,7 @@ private:
     bool m_nonDestructive;
     bool m_unifyResult;
     bool m_runParallel;
+    bool m_lastDirect = false;
     QString m_lastError;
 };
 
