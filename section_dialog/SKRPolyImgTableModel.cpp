@@ -58,11 +58,12 @@ QVariant SKRPolyImgTableModel::data(const QModelIndex& index, int role) const {
         if (item->polyId == 0 || item->pictureName.isEmpty()) return QVariant();
         auto cached = m_oIcons.find(item->pictureName);
         if (cached == m_oIcons.end()) {
-            const QPixmap picture(QStringLiteral(":/images/SKRSectionPoly/") + item->pictureName);
-            cached = m_oIcons.insert(item->pictureName,
-                                     picture.isNull() ? QPixmap()
-                                                      : picture.scaled(iconSize(), Qt::KeepAspectRatio,
-                                                                       Qt::SmoothTransformation));
+            // The thumbnail (the shape alone); the dimensioned picture only where there is none.
+            QPixmap picture(QStringLiteral(":/images/SKRSectionPoly/thumbs/") + item->pictureName);
+            if (picture.isNull()) picture = QPixmap(QStringLiteral(":/images/SKRSectionPoly/") + item->pictureName);
+            if (!picture.isNull() && picture.size() != iconSize())
+                picture = picture.scaled(iconSize(), Qt::KeepAspectRatio, Qt::SmoothTransformation);
+            cached = m_oIcons.insert(item->pictureName, picture);
         }
         return cached.value();
     }

@@ -1,4 +1,4 @@
-// The live section drawing.
+// The live section drawing: the outline of the typed figures, a tapered section as both its ends.
 #include "section_dialog/SKRSectionPreview.h"
 
 #include "ndp/NDPPolygon.h"
@@ -9,19 +9,46 @@
 
 #include <QPainter>
 
+#include <memory>
+
 SKRSectionPreview::SKRSectionPreview(QWidget* parent) : QWidget(parent) {
     setMinimumSize(120, 120);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>& values) {
+namespace {
+
+std::unique_ptr<ndp::CPolygon> polygonOf(int sectionType, const QMap<QString, double>& values, QString* error) {
     skr::geometry::SKROutline outline;
+    return skr::geometry::sectionOutline(sectionType, values, outline, error) ? skr::geometry::outlinePolygon(outline)
+                                                                              : nullptr;
+}
+
+QString areaText(const ndp::CPolygon& polygon) {
+    return QString::number(skr::geometry::SectionProperties(polygon).area, 'f', 1);
+}
+
+}  // namespace
+
+void SKRSectionPreview::setSection(int sectionType, const QMap<QString, double>& values) {
     QString error;
-    const auto polygon = skr::geometry::sectionOutline(sectionType, values, outline, &error)
-                             ? skr::geometry::outlinePolygon(outline)
-                             : nullptr;
-    if (polygon) return setPolygon(*polygon);
-    showFailure(error);
+    const auto polygon = polygonOf(sectionType, values, &error);
+    if (!polygon) return showFailure(error);
+    // A tapered member is read by its two ends: both are drawn, side by side at one scale, so
+    // that the change of depth shows as typed; the figures stay those of the stored outline.
+    QMap<QString, double> first, second;
+    if (skr::geometry::taperedSectionEnds(sectionType, values, first, second)) {
+        const auto firstEnd = polygonOf(sectionType, first, nullptr);
+        const auto secondEnd = polygonOf(sectionType, second, nullptr);
+        if (firstEnd && secondEnd) {
+            m_path = skr::geometry::sectionPicturePath(sectionType, values);
+            m_caption = QStringLiteral("A = %1 ~ %2 mm²").arg(areaText(*firstEnd), areaText(*secondEnd));
+            update();
+            emit polygonChanged(polygon.get());
+            return;
+        }
+    }
+    setPolygon(*polygon);
 }
 
 void SKRSectionPreview::clear() { setOutline(QString(), QString()); }
@@ -41,7 +68,7 @@ void SKRSectionPreview::showFailure(const QString& failure) {
 
 void SKRSectionPreview::setPolygon(const ndp::CPolygon& polygon) {
     m_path = skr::geometry::sectionPath(polygon);
-    m_caption = QStringLiteral("A = %1 mm²").arg(skr::geometry::SectionProperties(polygon).area, 0, 'f', 1);
+    m_caption = QStringLiteral("A = %1 mm²").arg(areaText(polygon));
     update();
     emit polygonChanged(&polygon);
 }

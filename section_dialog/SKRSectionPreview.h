@@ -13,12 +13,15 @@ class SKRSectionPreview : public QWidget {
 public:
     explicit SKRSectionPreview(QWidget* parent = nullptr);
 
-    // The outline of the type for the values; with values that make none, an empty drawing with
-    // the reason as its caption.
+    // The outline of the type for the values (a tapered type: its two ends side by side, with
+    // both areas); with values that make none, an empty drawing with the reason as its caption.
     void setSection(int sectionType, const QMap<QString, double>& values);
     // A polygon as it is (a user-drawn custom section).
     void setPolygon(const ndp::CPolygon& polygon);
     void clear();
+
+    // The section drawn, in its own units with y up; empty when there is none.
+    const QPainterPath& drawnPath() const { return m_path; }
 
     QSize sizeHint() const override { return QSize(200, 200); }
 

@@ -6,6 +6,7 @@
 #include "section_spec/EnSKRSectionType.h"
 
 #include <QStringList>
+#include <QPair>
 #include <QVector>
 
 #include <algorithm>
@@ -428,6 +429,29 @@ bool sectionOutline(int sectionType, const QMap<QString, double>& params, SKROut
     if (!writeOutline(out, written, &reason))
         return fail(error, QStringLiteral("section type %1: %2").arg(sectionType).arg(reason));
     outline = written;
+    return true;
+}
+
+bool taperedSectionEnds(int sectionType, const QMap<QString, double>& params, QMap<QString, double>& first,
+                        QMap<QString, double>& second, QStringList* secondCodes) {
+    // The parameters that differ between the ends, first end's code then second end's; the
+    // outline draws the larger end, so giving both codes one end's value draws that end.
+    static const QMap<int, QVector<QPair<QString, QString>>> pairs = {
+        {stWeldedTaperedH, {{"h1", "h2"}}},
+        {stWeldedD, {{"R1", "R2"}}},
+        {stWeldedBB, {{"B1", "b1"}, {"B2", "b2"}}},
+        {stWeldedHVariant, {{"h1", "h2"}}},
+        {stWeldedTY, {{"R1", "r1"}, {"R2", "r2"}}},
+    };
+    const auto found = pairs.constFind(sectionType);
+    if (found == pairs.constEnd()) return false;
+    first = second = params;
+    if (secondCodes) secondCodes->clear();
+    for (const auto& pair : *found) {
+        first[pair.second] = params.value(pair.first);
+        second[pair.first] = params.value(pair.second);
+        if (secondCodes) *secondCodes << pair.second;
+    }
     return true;
 }
 

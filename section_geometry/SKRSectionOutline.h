@@ -7,6 +7,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 namespace skr {
 namespace geometry {
@@ -43,6 +44,13 @@ bool sectionOutline(int sectionType, const QMap<QString, double>& params, SKROut
 // The same outline as text, as the section database stores it.
 bool sectionOutlineText(int sectionType, const QMap<QString, double>& params, QString& text,
                         QString* error = nullptr);
+
+// The two end sections of a tapered type (17 to 21), each as values of the same type whose
+// outline is that end: the first end (h1, R1, B1 x B2, R1 x R2) and the second (h2, R2, b1 x b2,
+// r1 x r2). secondCodes receives the codes that only the second end shows. False for a type that
+// does not taper (its outline is its one section).
+bool taperedSectionEnds(int sectionType, const QMap<QString, double>& params, QMap<QString, double>& first,
+                        QMap<QString, double>& second, QStringList* secondCodes = nullptr);
 
 // The inner bend radius at which a cold-formed lipped C or Z of depth h, flange b, lip c and
 // thickness t has the sectional area `area` (mm2): the four 90-degree bends take

@@ -1,7 +1,8 @@
 // bxq-picgen: draws the section dialog's pictures from the section sources in data/sections: one
 // dimensioned drawing per section type (its default values, the parameter codes written where
-// they act) and "ShowNormCode.jpg", the table of type codes; writes the resource file listing
-// them under ":/images/SKRSectionPoly/".
+// they act), its thumbnail for the type list (the shape alone, under "thumbs/") and
+// "ShowNormCode.jpg", the table of type codes; writes the resource file listing them under
+// ":/images/SKRSectionPoly/".
 //
 //   bxq-picgen SOURCE_DIR OUTPUT_DIR QRC_FILE
 #include "CsvTable.h"
@@ -23,6 +24,8 @@ using bxq::data::CsvTable;
 namespace {
 
 constexpr int kPictureSize = 240;
+// The icon size of the dialog's type list.
+constexpr int kThumbnailSize = 72;
 
 struct TypeRow {
     int polyId;
@@ -135,7 +138,7 @@ int main(int argc, char** argv) {
     QVector<TypeRow> types;
     if (!readTypes(args[1], types)) return 1;
     const QDir out(args[2]);
-    if (!QDir().mkpath(out.path())) {
+    if (!QDir().mkpath(out.filePath(QStringLiteral("thumbs")))) {
         fail("cannot create " + out.path());
         return 1;
     }
@@ -150,10 +153,19 @@ int main(int argc, char** argv) {
         }
         if (!save(picture, out.filePath(type.picture), "PNG", -1)) return 1;
         files << type.picture;
+        const QImage thumbnail = skr::geometry::sectionThumbnail(type.polyId, type.defaults,
+                                                                 QSize(kThumbnailSize, kThumbnailSize), &error);
+        const QString thumbnailName = QStringLiteral("thumbs/") + type.picture;
+        if (thumbnail.isNull()) {
+            fail(QStringLiteral("type %1: %2").arg(type.polyId).arg(error));
+            return 1;
+        }
+        if (!save(thumbnail, out.filePath(thumbnailName), "PNG", -1)) return 1;
+        files << thumbnailName;
     }
     if (!save(codeTable(types), out.filePath("ShowNormCode.jpg"), "JPG", 92)) return 1;
     files << QStringLiteral("ShowNormCode.jpg");
     if (!writeQrc(args[3], files)) return 1;
-    std::printf("bxq-picgen: %d section pictures and the code table\n", static_cast<int>(types.size()));
+    std::printf("bxq-picgen: %d section pictures with their thumbnails and the code table\n", static_cast<int>(types.size()));
     return 0;
 }
