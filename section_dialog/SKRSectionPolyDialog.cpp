@@ -238,8 +238,11 @@ QWidget* SKRSectionPolyDialog::createHotRolledPage() {
     m_pHotRolledView->verticalHeader()->hide();
     m_pHotRolledView->verticalHeader()->setDefaultSectionSize(22);
     m_pHotRolledView->horizontalHeader()->setSectionResizeMode(SKRHotRollingListModel::NameColumn, QHeaderView::Stretch);
-    m_pHotRolledView->horizontalHeader()->resizeSection(SKRHotRollingListModel::WeightColumn, 110);
-    m_pHotRolledView->horizontalHeader()->resizeSection(SKRHotRollingListModel::SurfaceColumn, 110);
+    // The figure columns as wide as their headers need, in either language and at any scaling.
+    m_pHotRolledView->horizontalHeader()->setSectionResizeMode(SKRHotRollingListModel::WeightColumn,
+                                                               QHeaderView::ResizeToContents);
+    m_pHotRolledView->horizontalHeader()->setSectionResizeMode(SKRHotRollingListModel::SurfaceColumn,
+                                                               QHeaderView::ResizeToContents);
 
     m_pInfoWidget = new SKRHotRollingInfoWidget(m_pHotRolledPage);
     m_pInfoWidget->setFixedHeight(190);

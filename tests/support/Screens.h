@@ -2,6 +2,7 @@
 // it drives as <name>.png there; otherwise nothing happens.
 #pragma once
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QPixmap>
 #include <QWidget>
@@ -10,5 +11,7 @@ inline bool saveScreen(QWidget& widget, const QString& name) {
     const QString dir = qEnvironmentVariable("BXQ_SCREENS_DIR");
     if (dir.isEmpty()) return true;
     QDir().mkpath(dir);
+    // Layout requests posted by the last change are settled first, as the event loop would.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     return widget.grab().save(QDir(dir).filePath(name + QStringLiteral(".png")));
 }
