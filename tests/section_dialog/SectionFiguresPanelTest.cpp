@@ -70,3 +70,30 @@ TEST(SectionFiguresPanel, CatalogueInfoRowShowsTheRowsFigures) {
 }
 
 }  // namespace
+
+// The drawing of typed figures has the area those figures give by hand, plate by plate.
+TEST(SectionPreview, DrawsTheAreaTheTypedFiguresGive) {
+    const double pi = 3.14159265358979323846;
+    const struct {
+        int type;
+        QMap<QString, double> values;
+        double area;
+    } cases[] = {
+        {11, {{"h", 400}, {"b", 200}, {"tw", 8}, {"t1", 13}, {"t2", 16}}, 200 * 29 + 371 * 8},
+        {12, {{"h", 500}, {"b1", 250}, {"b2", 300}, {"tw", 10}, {"t1", 14}, {"t2", 18}}, 250 * 14 + 300 * 18 + 468 * 10},
+        {13, {{"b1", 400}, {"b2", 300}, {"t1", 10}, {"t2", 12}}, 400 * 300 - 280 * 376},
+        {14, {{"d", 325}, {"t", 10}}, pi / 4 * (325 * 325 - 305 * 305)},
+        {16, {{"h", 300}, {"b", 200}, {"t1", 8}, {"t2", 12}}, 200 * 12 + 288 * 8},
+        {15, {{"h1", 600}, {"b1", 250}, {"tw1", 10}, {"t1", 16}, {"t2", 16}, {"h2", 500}, {"b2", 200}, {"tw2", 8}, {"t3", 14}, {"t4", 14}},
+         250 * 32 + 568 * 10 + 200 * 28 + 472 * 8 - 10 * 8},
+    };
+    for (const auto& c : cases) {
+        SKRSectionPreview preview;
+        double drawn = -1;
+        QObject::connect(&preview, &SKRSectionPreview::polygonChanged, [&drawn](const ndp::CPolygon* polygon) {
+            drawn = polygon ? polygon->Area() : 0.0;
+        });
+        preview.setSection(c.type, c.values);
+        EXPECT_NEAR(drawn, c.area, 1e-9 * c.area) << "type " << c.type;
+    }
+}
