@@ -625,7 +625,8 @@ QWidget* SKRSectionPolyDialog::createNormCodeWidget() {
     frame->setAttribute(Qt::WA_DeleteOnClose);
     auto* picture = new QLabel(frame);
     picture->setObjectName(QStringLiteral("normCodePicture"));
-    const QPixmap table(QStringLiteral(":/images/SKRSectionPoly/ShowNormCode.jpg"));
+    // The table in the user's language: its translation names the picture drawn in that language.
+    const QPixmap table(QStringLiteral(":/images/SKRSectionPoly/") + text("ShowNormCode.jpg"));
     picture->setPixmap(table);
     auto* scroll = new QScrollArea(frame);
     scroll->setWidget(picture);

@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QSaveFile>
 #include <QTextStream>
+#include <QTranslator>
 
 #include <cstdio>
 
@@ -80,19 +81,25 @@ bool save(const QImage& image, const QString& path, const char* format, int qual
     return true;
 }
 
-// The table of type codes: code, section type, an example; one row per section type.
+// The table of type codes: code, section type, an example; one row per section type. Its texts
+// go through the library's translation (the type names as the dialog shows them), so that the
+// same function draws the table in every language.
 QImage codeTable(const QVector<TypeRow>& types) {
+    const auto header = [](const char* text) { return QCoreApplication::translate("SKRSectionPolyDlg", text); };
+    const auto name = [](const QString& text) {
+        return QCoreApplication::translate("SKRSectionPolyDB", text.toUtf8().constData());
+    };
     QFont font;
     font.setPixelSize(14);
     const QFontMetrics metrics(font);
     const int rowHeight = metrics.height() + 10;
-    const QStringList header = {QStringLiteral("型钢代号"), QStringLiteral("截面类型"), QStringLiteral("规格示例")};
+    const QStringList titles = {header("型钢代号"), header("截面类型"), header("规格示例")};
     int widths[3] = {0, 0, 0};
     auto widen = [&](const QStringList& cells) {
         for (int i = 0; i < 3; ++i) widths[i] = std::max(widths[i], metrics.horizontalAdvance(cells[i]) + 24);
     };
-    widen(header);
-    for (const TypeRow& type : types) widen({type.codes, type.name, type.example});
+    widen(titles);
+    for (const TypeRow& type : types) widen({type.codes, name(type.name), type.example});
     const int width = widths[0] + widths[1] + widths[2] + 1;
     QImage image(width, rowHeight * (types.size() + 1) + 1, QImage::Format_RGB32);
     image.fill(Qt::white);
@@ -108,8 +115,8 @@ QImage codeTable(const QVector<TypeRow>& types) {
         }
     };
     painter.fillRect(QRect(0, 0, width, rowHeight), QColor(0xdd, 0xe6, 0xf0));
-    drawRow(0, header);
-    for (int i = 0; i < types.size(); ++i) drawRow(i + 1, {types[i].codes, types[i].name, types[i].example});
+    drawRow(0, titles);
+    for (int i = 0; i < types.size(); ++i) drawRow(i + 1, {types[i].codes, name(types[i].name), types[i].example});
     return image;
 }
 
@@ -131,8 +138,8 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() != 4) {
-        std::fprintf(stderr, "usage: bxq-picgen SOURCE_DIR OUTPUT_DIR QRC_FILE\n");
+    if (args.size() < 4) {
+        std::fprintf(stderr, "usage: bxq-picgen SOURCE_DIR OUTPUT_DIR QRC_FILE [LANGUAGE=QM_FILE...]\n");
         return 2;
     }
     QVector<TypeRow> types;
@@ -165,6 +172,21 @@ int main(int argc, char** argv) {
     }
     if (!save(codeTable(types), out.filePath("ShowNormCode.jpg"), "JPG", 92)) return 1;
     files << QStringLiteral("ShowNormCode.jpg");
+    // The code table once more in each translated language: ShowNormCode_LANGUAGE.jpg.
+    for (int i = 4; i < args.size(); ++i) {
+        const QString language = args[i].section(QLatin1Char('='), 0, 0);
+        QTranslator translator;
+        if (!translator.load(args[i].section(QLatin1Char('='), 1))) {
+            fail("cannot read the translation " + args[i]);
+            return 1;
+        }
+        QCoreApplication::installTranslator(&translator);
+        const QString name = QStringLiteral("ShowNormCode_%1.jpg").arg(language);
+        const bool saved = save(codeTable(types), out.filePath(name), "JPG", 92);
+        QCoreApplication::removeTranslator(&translator);
+        if (!saved) return 1;
+        files << name;
+    }
     if (!writeQrc(args[3], files)) return 1;
     std::printf("bxq-picgen: %d section pictures with their thumbnails and the code table\n", static_cast<int>(types.size()));
     return 0;

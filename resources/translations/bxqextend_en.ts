@@ -4,6 +4,22 @@
 <context>
     <name>SKRSectionPolyDlg</name>
     <message>
+        <source>型钢代号</source>
+        <translation>Code</translation>
+    </message>
+    <message>
+        <source>截面类型</source>
+        <translation>Section type</translation>
+    </message>
+    <message>
+        <source>规格示例</source>
+        <translation>Example</translation>
+    </message>
+    <message>
+        <source>ShowNormCode.jpg</source>
+        <translation>ShowNormCode_en.jpg</translation>
+    </message>
+    <message>
         <source>规格示例：%1</source>
         <translation>Specification: %1</translation>
     </message>
