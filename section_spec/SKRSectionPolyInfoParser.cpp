@@ -57,7 +57,7 @@ int firstDigit(const QString& s) {
     return -1;
 }
 
-double plainNumber(const QString& piece) {
+double plainNumber(const QStringRef& piece) {
     bool ok = false;
     const double value = piece.trimmed().toDouble(&ok);
     // "nan" and "inf" convert, but they are not dimensions.
@@ -317,7 +317,7 @@ QList<double> SKRSectionPolyInfoParser::parserValue(const QString& text, QChar s
     QList<double> values;
     const QVector<QStringRef> pieces = text.splitRef(separator, Qt::KeepEmptyParts, Qt::CaseSensitive);
     values.reserve(pieces.size());
-    for (const QStringRef& piece : pieces) values.append(plainNumber(piece.toString()));
+    for (const QStringRef& piece : pieces) values.append(plainNumber(piece));
     return values;
 }
 

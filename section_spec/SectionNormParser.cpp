@@ -5,6 +5,34 @@
 
 namespace skr {
 namespace section {
+namespace {
+
+bool asciiDigit(const QString& text, int i) {
+    return i < text.size() && text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9');
+}
+
+// "^token...$" with each parameter a number (\d+\.?\d*), for formats matched by hand.
+bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& tokens, QMap<QString, QString>& values) {
+    int at = 0;
+    for (const auto& token : tokens) {
+        if (!token.second) {
+            if (!text.midRef(at).startsWith(token.first)) return false;
+            at += token.first.size();
+            continue;
+        }
+        const int start = at;
+        if (!asciiDigit(text, at)) return false;
+        while (asciiDigit(text, at)) ++at;
+        if (at < text.size() && text[at] == QLatin1Char('.')) {
+            ++at;
+            while (asciiDigit(text, at)) ++at;
+        }
+        values.insert(token.first, text.mid(start, at - start));
+    }
+    return at == text.size();
+}
+
+}  // namespace
 
 SectionNormTable::SectionNormTable(QVector<SectionNormEntry> entries) : m_entries(std::move(entries)) {
     m_compiled.reserve(m_entries.size());
@@ -18,6 +46,15 @@ SectionNormTable::SectionNormTable(QVector<SectionNormEntry> entries) : m_entrie
             }
             compiled.expression.setPattern(SectionNormParser::expressionOf(entry, format));
             compiled.expression.optimize();
+            compiled.byHand = true;
+            for (int t = 0; t < format.size(); ++t) {
+                const bool isParam = entry.paramNames.contains(format[t]);
+                compiled.tokens.append({format[t], isParam});
+                if (t == 0) continue;
+                const bool previousParam = compiled.tokens[t - 1].second;
+                const QChar first = format[t].isEmpty() ? QChar() : format[t][0];
+                if (previousParam && (isParam || first.isDigit() || first == QLatin1Char('.'))) compiled.byHand = false;
+            }
             formats.append(compiled);
         }
         m_compiled.append(formats);
@@ -56,13 +93,19 @@ bool SectionNormParser::match(const QString& text) {
                     if (at >= text.size() || !text[at].isDigit()) continue;
                 }
             }
-            const QRegularExpressionMatch found = format.expression.match(text);
-            if (!found.hasMatch()) continue;
-            m_matchedEntry = e;
-            for (const QString& name : all[e].paramNames) {
-                const QString value = found.captured(name);
-                if (!value.isNull()) m_values.insert(name, value);
+            if (format.byHand) {
+                QMap<QString, QString> values;
+                if (!matchTokens(text, format.tokens, values)) continue;
+                m_values = values;
+            } else {
+                const QRegularExpressionMatch found = format.expression.match(text);
+                if (!found.hasMatch()) continue;
+                for (const QString& name : all[e].paramNames) {
+                    const QString value = found.captured(name);
+                    if (!value.isNull()) m_values.insert(name, value);
+                }
             }
+            m_matchedEntry = e;
             for (const auto& completion : all[e].completions)
                 if (!m_values.contains(completion.first) && m_values.contains(completion.second))
                     m_values.insert(completion.first, m_values.value(completion.second));

@@ -33,6 +33,11 @@ public:
         QString literalPrefix;       // leading literal token, tested before the expression runs
         bool digitAfterPrefix = false;
         QRegularExpression expression;
+        // The format as tokens: a literal, or (isParam) a parameter's number. Matched by hand when
+        // no number can run into what follows it (no two numbers adjacent, no literal starting
+        // with a digit or a point), which is when the expression has one way to match only.
+        QVector<QPair<QString, bool>> tokens;
+        bool byHand = false;
     };
 
     const QVector<SectionNormEntry>& entries() const { return m_entries; }

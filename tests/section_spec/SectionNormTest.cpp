@@ -258,3 +258,43 @@ TEST(HotRollingNorms, BrokenRuleInATableFailsTheCheckOfEveryMatch) {
     ASSERT_TRUE(parser.match(QStringLiteral("C200*70")));
     EXPECT_FALSE(parser.checkRules());
 }
+
+// The norms match texts without running their expressions; every text, well or badly formed,
+// gets the entry and values the expressions give.
+TEST(WeldedNormTable, MatchingByHandAgreesWithTheExpressions) {
+    const SectionNormTable table(WeldSectionNormParser::weldedNorms());
+    QStringList texts;
+    for (const SectionNormEntry& entry : table.entries()) {
+        const QString example = SectionNormParser::exampleText(entry);
+        texts << example << example + QStringLiteral(".5") << example + QStringLiteral("*") << example.chopped(1)
+              << QString(example).replace(QStringLiteral("*"), QStringLiteral(".5*"))
+              << QString(example).replace(QStringLiteral("*"), QStringLiteral("*.5"))
+              << QString(example).replace(QStringLiteral("0"), QStringLiteral("0.")) << example + QStringLiteral("x");
+    }
+    texts << QStringLiteral("H") << QStringLiteral("H(600~400)*200*8*12") << QStringLiteral("H(600~400*200*8*12")
+          << QStringLiteral("WSR300*8") << QStringLiteral("BS100.") << QStringLiteral("H400*200*8*13+H");
+    for (const QString& text : texts) {
+        int expectedEntry = -1;
+        Values expected;
+        for (int e = 0; e < table.entries().size() && expectedEntry < 0; ++e)
+            for (const auto& format : table.formatsOf(e)) {
+                const QRegularExpressionMatch found = format.expression.match(text);
+                if (!found.hasMatch()) continue;
+                expectedEntry = e;
+                for (const QString& name : table.entries()[e].paramNames)
+                    if (!found.captured(name).isNull()) expected.insert(name, found.captured(name));
+                break;
+            }
+        WeldSectionNormParser parser;
+        const bool matched = parser.match(text);
+        Values values;
+        parser.namedValues(values);
+        // Completions fill values a short form leaves out; compare what the text itself gave.
+        for (auto it = values.begin(); it != values.end();)
+            it = expected.contains(it.key()) ? std::next(it) : values.erase(it);
+        SCOPED_TRACE(text.toStdString());
+        EXPECT_EQ(matched, expectedEntry >= 0);
+        EXPECT_EQ(parser.matchedType(), expectedEntry < 0 ? -1 : table.entries()[expectedEntry].sectionType);
+        EXPECT_EQ(values, expected);
+    }
+}
