@@ -7,24 +7,13 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include "support/BxqProcess.h"
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out, err;
-};
+using bxqtest::BxqRun;
 
-BxqRun bxq(const QString& dataDir, const QStringList& arguments) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(BXQ_BINARY), arguments);
-    process.waitForFinished(60000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
-}
+BxqRun bxq(const QString& dataDir, const QStringList& arguments) { return bxqtest::runBxq(arguments, {dataDir, {}, {}, false}); }
 
 TEST(DamagedCatalogue, AFlippedByteIsRefusedOrChangesNothing) {
     const QString shipped = QStringLiteral(BXQ_SHIPPED_DATA_DIR);

@@ -21,31 +21,17 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include "support/BxqProcess.h"
 
 using ndp::EnDBFieldKind;
 using skr::section::SKRHotRollingSection;
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-    QString text() const { return QString::fromUtf8(out); }
-    QStringList lines() const { return text().split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
-};
+using bxqtest::BxqRun;
 
 BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QByteArray& input = {}) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(BXQ_BINARY), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(60000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return bxqtest::runBxq(arguments, {dataDir, input, {}, false});
 }
 
 QByteArray fileDigest(const QString& path) {

@@ -8,6 +8,7 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/BxqProcess.h"
 #include "support/LockHolder.h"
 #include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
@@ -37,21 +38,9 @@ struct BxqRun {
 // root (an ordinary user already is one).
 BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QStringList& environment = {},
         bool ordinaryUser = false) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
-    env.insert(QStringLiteral("BXQ_BUSY_TIMEOUT"), QStringLiteral("300"));
-    for (const QString& setting : environment) env.insert(setting.section('=', 0, 0), setting.section('=', 1, -1));
-    process.setProcessEnvironment(env);
-    if (ordinaryUser && ::getuid() == 0)
-        process.start(QStringLiteral("setpriv"), QStringList{"--reuid=65534", "--regid=65534", "--clear-groups",
-                                                             QStringLiteral(BXQ_BINARY)} + arguments);
-    else
-        process.start(QStringLiteral(BXQ_BINARY), arguments);
-    process.closeWriteChannel();
-    process.waitForFinished(120000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            QString::fromUtf8(process.readAllStandardError())};
+    const bxqtest::BxqRun run = bxqtest::runBxq(
+        arguments, {dataDir, {}, QStringList{QStringLiteral("BXQ_BUSY_TIMEOUT=300")} + environment, ordinaryUser});
+    return {run.exitCode, run.out, QString::fromUtf8(run.err)};
 }
 
 QByteArray digest(const QString& path) {

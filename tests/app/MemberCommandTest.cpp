@@ -13,28 +13,17 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "support/BxqProcess.h"
 #include "support/DamagedDatabase.h"
 
 #include <cmath>
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using bxqtest::BxqRun;
 
 BxqRun bxq(const QStringList& arguments) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), QStringLiteral(BXQ_SHIPPED_DATA_DIR));
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(BXQ_BINARY), arguments);
-    process.closeWriteChannel();
-    process.waitForFinished(120000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return bxqtest::runBxq(arguments, {QStringLiteral(BXQ_SHIPPED_DATA_DIR), {}, {}, false});
 }
 
 QJsonObject member(const QStringList& arguments) {

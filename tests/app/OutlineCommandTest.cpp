@@ -12,25 +12,14 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+#include "support/BxqProcess.h"
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using bxqtest::BxqRun;
 
 BxqRun bxq(const QStringList& arguments, const QString& dataDir = QStringLiteral(BXQ_SHIPPED_DATA_DIR)) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), dataDir);
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(BXQ_BINARY), QStringList{QStringLiteral("outline")} + arguments);
-    process.closeWriteChannel();
-    process.waitForFinished(60000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return bxqtest::runBxq(QStringList{QStringLiteral("outline")} + arguments, {dataDir, {}, {}, false});
 }
 
 QJsonObject json(const BxqRun& run) {

@@ -5,23 +5,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include "support/BxqProcess.h"
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using bxqtest::BxqRun;
 
 BxqRun bxq(const QStringList& arguments, const QByteArray& input = {}) {
-    QProcess process;
-    process.start(QStringLiteral(BXQ_BINARY), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(60000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return bxqtest::runBxq(arguments, {QString(), input, {}, false});
 }
 
 QVector<QJsonObject> jsonLines(const QByteArray& out) {

@@ -7,26 +7,15 @@
 #include <QProcess>
 
 #include <cmath>
+#include "support/BxqProcess.h"
 
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using bxqtest::BxqRun;
 
 BxqRun bxq(const QStringList& arguments, const QByteArray& input = QByteArray()) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("BXQ_DATA_DIR"), QStringLiteral(BXQ_SHIPPED_DATA_DIR));
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(BXQ_BINARY), QStringList{QStringLiteral("properties")} + arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    process.waitForFinished(120000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return bxqtest::runBxq(QStringList{QStringLiteral("properties")} + arguments,
+                           {QStringLiteral(BXQ_SHIPPED_DATA_DIR), input, {}, false});
 }
 
 std::vector<QJsonObject> jsonLines(const QByteArray& out) {
