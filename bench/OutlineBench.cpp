@@ -1,6 +1,6 @@
 // Outline benchmark: the longest outline text of the shipped catalogue (every row drawn with its
 // radii) parsed into a polygon of lines and arcs.
-#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "bench/CatalogueOutlines.h"
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 
@@ -27,27 +27,9 @@ struct LongestOutline {
 // Every row of the shipped catalogue table drawn; the longest text kept.
 LongestOutline longestCatalogueOutline() {
     LongestOutline longest;
-    const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QStringLiteral("/SKRSectionPolyDB.KDB");
-    if (!VMPAppInfo::gAppInfo()->fileExists(path)) return longest;
-    ndp::CDatabase* db = VMPNDDBManager::nddbMgr()->getNDDB(QStringLiteral("SKRSectionPolyDB.KDB"), false);
-    ndp::CDBTable* table = db ? db->GetTable(L"SectionPolyInfor") : nullptr;
-    ndp::CFileAddressList all;
-    if (!table || !table->ListAll(all)) return longest;
-    skr::section::SKRHotRollingSectionDBProvider reader(table);
-    for (int i = 0; i < all.GetCount(); ++i) {
-        ndp::CDBRecord* record = table->GetRecord(all.GetItem(i));
-        if (!record) continue;
-        const skr::section::SKRHotRollingSection row = reader.fromRecord(record);
-        record->Release();
-        QMap<QString, double> dimensions;
-        for (const auto& param : row.params) dimensions.insert(QString::fromStdWString(param.first), param.second);
-        QString text;
-        if (!skr::geometry::sectionOutlineText(
-                row.sectionType, skr::geometry::catalogueOutlineParams(row.sectionType, dimensions, row.weightMeter),
-                text))
-            continue;
+    for (const bxq::bench::CatalogueOutline& outline : bxq::bench::catalogueOutlines()) {
         ++longest.drawn;
-        if (text.size() > longest.text.size()) longest = {QString::fromStdWString(row.standardName), text, longest.drawn};
+        if (outline.text.size() > longest.text.size()) longest = {outline.name, outline.text, longest.drawn};
     }
     std::fprintf(stderr, "outlines: %d catalogue rows drawn, longest %s (%d characters)\n", longest.drawn,
                  qUtf8Printable(longest.name), static_cast<int>(longest.text.size()));

@@ -1,7 +1,7 @@
 // Section figures benchmarks: the steel-table figures of H400*200*8*13, the exact part and the
 // finite-element part apart, beside the floor of the area and second moments alone; and every row
 // of the shipped catalogue drawn with its radii and given all its figures.
-#include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "bench/CatalogueOutlines.h"
 #include "section_geometry/SKRSectionFigures.h"
 #include "section_geometry/SKRSectionOutline.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
@@ -62,26 +62,7 @@ BENCHMARK(BM_SectionFiguresWarping)->Unit(benchmark::kMillisecond);
 // The outline texts of every catalogue row that can be drawn.
 QStringList catalogueOutlines() {
     QStringList outlines;
-    const QString path = VMPAppInfo::gAppInfo()->appDataPath() + QStringLiteral("/SKRSectionPolyDB.KDB");
-    if (!VMPAppInfo::gAppInfo()->fileExists(path)) return outlines;
-    ndp::CDatabase* db = VMPNDDBManager::nddbMgr()->getNDDB(QStringLiteral("SKRSectionPolyDB.KDB"), false);
-    ndp::CDBTable* table = db ? db->GetTable(L"SectionPolyInfor") : nullptr;
-    ndp::CFileAddressList all;
-    if (!table || !table->ListAll(all)) return outlines;
-    skr::section::SKRHotRollingSectionDBProvider reader(table);
-    for (int i = 0; i < all.GetCount(); ++i) {
-        ndp::CDBRecord* record = table->GetRecord(all.GetItem(i));
-        if (!record) continue;
-        const skr::section::SKRHotRollingSection row = reader.fromRecord(record);
-        record->Release();
-        QMap<QString, double> dimensions;
-        for (const auto& param : row.params) dimensions.insert(QString::fromStdWString(param.first), param.second);
-        QString text;
-        if (skr::geometry::sectionOutlineText(
-                row.sectionType, skr::geometry::catalogueOutlineParams(row.sectionType, dimensions, row.weightMeter),
-                text))
-            outlines << text;
-    }
+    for (const bxq::bench::CatalogueOutline& outline : bxq::bench::catalogueOutlines()) outlines << outline.text;
     return outlines;
 }
 
