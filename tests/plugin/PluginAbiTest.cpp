@@ -1,6 +1,7 @@
 // The shared plug-in as the host links it: the exported API works without the internals, and
 // only the exported names are visible in its dynamic symbol table.
 #include "plugin/BXQExtend.h"
+#include "plugin/BXQTranslations.h"
 #include "section_data/SKRObjectRegistry.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
@@ -50,4 +51,18 @@ TEST(PluginAbi, OnlyTheHostInterfaceIsExported) {
     for (const char* hidden : {"WeldSectionNormParser", "SectionNormParser", "SKRScriptEvaluator",
                                "SKRCatalogueLookup", "SectionNormTable"})
         EXPECT_FALSE(symbols.contains(QLatin1String(hidden))) << hidden;
+}
+
+// The host gets both translations through the plug-in: the library's English, and Qt's own Chinese
+// for the buttons of the message boxes the library shows.
+TEST(PluginAbi, InstallsTheLibrarysAndQtsOwnTranslations) {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name};
+    QCoreApplication app(argc, argv);
+    EXPECT_FALSE(BXQInstallTranslation(QStringLiteral("xx")));
+    ASSERT_TRUE(BXQInstallQtTranslation(QStringLiteral("zh_CN")));
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("取消"));
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    EXPECT_EQ(QCoreApplication::translate("SKRSectionPolyDB", "焊接H型钢"), QStringLiteral("Welded H"));
 }
