@@ -148,6 +148,19 @@ QString SKRSectionPolyInfoParser::outOfRangeDimension(const QString& text) {
             if (ascii(exponent)) end = digits(exponent);
         }
         const QStringRef written = text.midRef(i, end - i);
+        // Up to six digits before any point and no exponent: below the limit without reading it.
+        int whole = 0;
+        bool exponent = false;
+        bool point = false;
+        for (const QChar c : written) {
+            if (c == QLatin1Char('e') || c == QLatin1Char('E')) exponent = true;
+            point = point || c == QLatin1Char('.');
+            if (!point && !exponent && c.isDigit() && (whole > 0 || c != QLatin1Char('0'))) ++whole;
+        }
+        if (!exponent && whole <= 6) {
+            i = end;
+            continue;
+        }
         bool ok = false;
         const double value = written.toDouble(&ok);
         if (!ok || !std::isfinite(value) || value > kMaxDimension) return written.toString();

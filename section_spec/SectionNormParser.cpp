@@ -3,6 +3,8 @@
 
 #include "section_spec/SKRScriptEvaluator.h"
 
+#include <QVarLengthArray>
+
 namespace skr {
 namespace section {
 namespace {
@@ -11,12 +13,14 @@ bool asciiDigit(const QString& text, int i) {
     return i < text.size() && text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9');
 }
 
-// "^token...$" with each parameter a number (\d+\.?\d*), for formats matched by hand.
+// "^token...$" with each parameter a number (\d+\.?\d*), for formats matched by hand. The
+// values are only made once the whole text has matched: most formats tried fail.
 bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& tokens, QMap<QString, QString>& values) {
+    QVarLengthArray<QPair<int, int>, 16> numbers;  // start and length of each parameter's number
     int at = 0;
     for (const auto& token : tokens) {
         if (!token.second) {
-            if (!text.midRef(at).startsWith(token.first)) return false;
+            if (text.midRef(at, token.first.size()) != token.first) return false;
             at += token.first.size();
             continue;
         }
@@ -27,9 +31,16 @@ bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& token
             ++at;
             while (asciiDigit(text, at)) ++at;
         }
-        values.insert(token.first, text.mid(start, at - start));
+        numbers.append({start, at - start});
     }
-    return at == text.size();
+    if (at != text.size()) return false;
+    int n = 0;
+    for (const auto& token : tokens)
+        if (token.second) {
+            values.insert(token.first, text.mid(numbers[n].first, numbers[n].second));
+            ++n;
+        }
+    return true;
 }
 
 }  // namespace
