@@ -6,6 +6,7 @@
 // tessellations) opened, built into the scene and rendered offscreen at 800x600 once; its floor
 // BM_RenderOnlyFloor renders the same built scene again. Peak memory (MB) is a counter.
 #include "app/view/BXQModelScene.h"
+#include "bench/ModelProject.h"
 #include "app/view/BXQOffscreenRenderer.h"
 
 #include "body_builder/SKRMemberSolidShape.h"
@@ -34,37 +35,12 @@ double peakMegabytes() {
     return usage.ru_maxrss / 1024.0;
 }
 
-void useMemberSolids(VMPProjectModel& model) {
-    model.setSolidShapeFactory([](const QString& section, double length, const ndp::CoordinateSystem3& head) {
-        return std::unique_ptr<IVMPSolidShape>(new skr::body::SKRMemberSolidShape(section, length, head));
-    });
-}
+using bxq::bench::useMemberSolids;
 
-// A project of members on a grid 2 m apart; with cuts, a head and a tail plane 300 mm in.
+// A project of members on a grid 2 m apart; with cuts, every member an H400 of 6 m cut 300 mm in
+// at both ends.
 bool writeProject(const QString& path, int count, bool withCuts) {
-    VMPProjectModel model;
-    if (!model.open(path)) return false;
-    const QString sections[] = {"H400*200*8*13", "H300*150*6*9", "H500*250*10*16", "H250*125*6*9", "D219*8",
-                                "H350*175*7*11", "C160*60*20*2.5", "D325*10", "H600*300*12*20", "C200*70*20*2"};
-    for (int i = 0; i < count; ++i) {
-        VMPMember member;
-        member.section = withCuts ? QStringLiteral("H400*200*8*13") : sections[i % 10];
-        const double length = withCuts ? 6000.0 : 3000.0 + 500.0 * ((i / 10) % 10);
-        member.start = {2000.0 * (i % 100), 2000.0 * (i / 100), 0};
-        member.end = member.start;
-        member.end[0] += length;
-        if (!VMPAddMember(model.getProjectDB(), member, nullptr)) return false;
-        if (!withCuts) continue;
-        for (const bool tail : {false, true}) {
-            skr::split::CuttingPlaneRecord plane;
-            plane.elementId = member.id;
-            plane.isTail = tail;
-            plane.local = ndp::MakeFrame({0, 0, tail ? -300.0 : 300.0}, {1, 0, 0}, {0, tail ? -1.0 : 1.0, 0},
-                                         {0, 0, tail ? -1.0 : 1.0});
-            if (!skr::split::AddCuttingPlaneRecord(model.getProjectDB(), plane, nullptr)) return false;
-        }
-    }
-    return model.save();
+    return bxq::bench::writeModelProject(path, count, withCuts ? 1 : 0, withCuts);
 }
 
 void BM_BuildDisplayNodes(benchmark::State& state) {
