@@ -7,6 +7,7 @@
 #include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepGProp.hxx>
+#include <BRepLib.hxx>
 #include <BRepBuilderAPI_Copy.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakePrism.hxx>
@@ -16,6 +17,7 @@
 #include <Standard_Failure.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopLoc_Location.hxx>
+#include <TopTools_ListOfShape.hxx>
 #include <TopoDS_Iterator.hxx>
 #include <gp_Trsf.hxx>
 
@@ -218,6 +220,13 @@ CBody* CBodyOcct::Create(const TopoDS_Shape& shape) {
 }
 
 CBody* CBodyOcct::CreatePrism(const TopoDS_Shape& solid, const TopoDS_Face& section, const gp_Vec& extrusion) {
+    // The splits leave their arguments as they are and so would work out the plane curves of
+    // these edges on every cut; a new prism is still the caller's alone, so they are stored now.
+    for (TopExp_Explorer face(solid, TopAbs_FACE); face.More(); face.Next()) {
+        TopTools_ListOfShape edges;
+        for (TopExp_Explorer edge(face.Current(), TopAbs_EDGE); edge.More(); edge.Next()) edges.Append(edge.Current());
+        BRepLib::BuildPCurveForEdgesOnPlane(edges, TopoDS::Face(face.Current()));
+    }
     CBody* body = Create(solid);
     body->m_data->section = section;
     body->m_data->extrusion = extrusion;

@@ -15,10 +15,16 @@
 #include <BRepPrimAPI_MakeHalfSpace.hxx>
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
+#include <Geom_ElementarySurface.hxx>
+#include <Geom_Plane.hxx>
+#include <Geom_RectangularTrimmedSurface.hxx>
 #include <Message_Report.hxx>
 #include <ShapeUpgrade_UnifySameDomain.hxx>
 #include <Standard_Failure.hxx>
+#include <Precision.hxx>
+#include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopTools_ListOfShape.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
@@ -62,6 +68,45 @@ int faceCount(const TopoDS_Shape& shape) {
 // Below this many faces the kernel's threads cost more than they save: a member's split runs on
 // the caller's thread even when threads are allowed.
 constexpr int kParallelFaces = 200;
+
+// The surface a face lies on, with its location applied and any trimming taken off.
+Handle(Geom_Surface) baseSurface(const TopoDS_Face& face) {
+    Handle(Geom_Surface) surface = BRep_Tool::Surface(face);
+    while (auto trimmed = Handle(Geom_RectangularTrimmedSurface)::DownCast(surface)) surface = trimmed->BasisSurface();
+    return surface;
+}
+
+// Whether two neighbouring faces might lie on one surface, with the unifier's own tolerances.
+// Planes are compared here; two elementary surfaces of different kinds never coincide; any
+// other pair is left to the unifier.
+bool maySameSurface(const TopoDS_Face& first, const TopoDS_Face& second) {
+    const Handle(Geom_Surface) a = baseSurface(first), b = baseSurface(second);
+    if (a.IsNull() || b.IsNull() || a == b) return true;
+    const auto planeA = Handle(Geom_Plane)::DownCast(a), planeB = Handle(Geom_Plane)::DownCast(b);
+    if (planeA && planeB) {
+        const gp_Pln p = planeA->Pln(), q = planeB->Pln();
+        return p.Axis().IsParallel(q.Axis(), Precision::Angular()) && p.Distance(q.Location()) <= Precision::Confusion();
+    }
+    const bool elementary = a->IsKind(STANDARD_TYPE(Geom_ElementarySurface)) && b->IsKind(STANDARD_TYPE(Geom_ElementarySurface));
+    return !elementary || a->DynamicType() == b->DynamicType();
+}
+
+// Whether unifying the result could change it: two faces sharing an edge that may lie on one
+// surface, or a vertex where only two edges meet (an edge split in two). A planar cut of a sound
+// body rarely leaves either, and looking costs a small part of what the unifier would.
+bool mayUnify(const TopoDS_Shape& shape) {
+    TopTools_IndexedDataMapOfShapeListOfShape edgeFaces;
+    TopExp::MapShapesAndUniqueAncestors(shape, TopAbs_EDGE, TopAbs_FACE, edgeFaces);
+    for (int i = 1; i <= edgeFaces.Extent(); ++i) {
+        const TopTools_ListOfShape& faces = edgeFaces(i);
+        if (faces.Extent() == 2 && maySameSurface(TopoDS::Face(faces.First()), TopoDS::Face(faces.Last()))) return true;
+    }
+    TopTools_IndexedDataMapOfShapeListOfShape vertexEdges;
+    TopExp::MapShapesAndUniqueAncestors(shape, TopAbs_VERTEX, TopAbs_EDGE, vertexEdges);
+    for (int i = 1; i <= vertexEdges.Extent(); ++i)
+        if (vertexEdges(i).Extent() <= 2) return true;
+    return false;
+}
 
 // The solid builder leaves the half-space's face outside the body unused and says so: the one
 // warning that does not make a result doubtful.
@@ -168,7 +213,7 @@ private:
         }
         m_clean = onlyUnusedFaces(op.GetReport()->GetAlerts(Message_Warning));
         out = op.Shape();
-        if (m_unifyResult && !out.IsNull()) {
+        if (m_unifyResult && !out.IsNull() && mayUnify(out)) {
             ShapeUpgrade_UnifySameDomain unify(out, Standard_True, Standard_True, Standard_False);
             unify.SetSafeInputMode(Standard_False);  // the result is ours: no copy of it
             unify.Build();

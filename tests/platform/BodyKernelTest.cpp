@@ -16,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include <BRepAlgoAPI_Fuse.hxx>
+#include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakePrism.hxx>
 #include <STEPControl_Reader.hxx>
 #include <TopExp_Explorer.hxx>
@@ -217,6 +219,27 @@ TEST(KernelSplit, ObliquePlaneSidesHaveTheirClosedFormVolumes) {
     // The input body is untouched and still the caller's alone.
     EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
     EXPECT_EQ(body->GetRefCount(), 1);
+}
+
+// A member fused from two halves has its side faces split at the joint; the unified side of a
+// cut has one face per surface again, as a member made whole does, and a plain one keeps the joint.
+TEST(KernelSplit, AUnifiedSideHasOneFacePerSurface) {
+    const TopoDS_Shape halves = BRepAlgoAPI_Fuse(BRepPrimAPI_MakeBox(gp_Pnt(0, 0, 0), 100, 60, 500).Shape(),
+                                                 BRepPrimAPI_MakeBox(gp_Pnt(0, 0, 500), 100, 60, 500).Shape()).Shape();
+    BodyPtr joined(CBodyOcct::Create(halves));
+    ASSERT_EQ(joined->FaceCount(), 10);
+    const CPlane p = plane({20, 10, 300}, {1, 2, 10});
+    CBooleanOperate plain(true, true, false, true);
+    CBooleanOperate unified = operate();
+    BodyPtr kept(plain.SplitPositiveBody(p, joined.get()));
+    BodyPtr merged(unified.SplitPositiveBody(p, joined.get()));
+    BodyPtr whole(unified.SplitPositiveBody(p, member().get()));
+    ASSERT_TRUE(kept && merged && whole) << plain.GetLastError().toStdString() << unified.GetLastError().toStdString();
+    EXPECT_EQ(whole->FaceCount(), 6);
+    EXPECT_EQ(merged->FaceCount(), whole->FaceCount());
+    EXPECT_EQ(kept->FaceCount(), 10);
+    EXPECT_NEAR(merged->Volume(), whole->Volume(), 1e-9 * kMemberVolume);
+    EXPECT_TRUE(merged->IsValid());
 }
 
 TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
