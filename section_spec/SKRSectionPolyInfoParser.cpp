@@ -7,11 +7,16 @@
 #include "section_spec/SKRUserSectionMark.h"
 #include "section_spec/WeldSectionNormParser.h"
 
+#include <QAtomicInt>
 #include <QCoreApplication>
+#include <QEvent>
+#include <QThread>
 #include <QLocale>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 using skr::section::SKRSectionTypeDescriptor;
 
@@ -57,11 +62,75 @@ int firstDigit(const QString& s) {
     return -1;
 }
 
+// A piece's number as QString::toDouble reads it after trimming, or 0 where the piece is not a
+// finite number ("nan" and "inf" convert, but they are not dimensions). Plain decimals ("400",
+// "-8.5") of up to 15 digits are read by hand, as they are typed per keystroke: a whole number
+// below 2^53 divided by an exact power of ten is rounded once, as the full conversion rounds.
 double plainNumber(const QStringRef& piece) {
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const QChar* c = piece.unicode();
+    int begin = 0, end = piece.size();
+    while (begin < end && c[begin].isSpace()) ++begin;
+    while (end > begin && c[end - 1].isSpace()) --end;
+    const bool negative = begin < end && c[begin] == QLatin1Char('-');
+    int i = negative ? begin + 1 : begin;
+    const auto digit = [c, end](int at) { return at < end && c[at] >= QLatin1Char('0') && c[at] <= QLatin1Char('9'); };
+    // A leading zero before another digit is left to the full conversion, as is anything unusual.
+    const bool plain = digit(i) && !(c[i] == QLatin1Char('0') && digit(i + 1));
+    std::uint64_t whole = 0;
+    int digits = 0, fraction = -1;
+    for (; plain && i < end && digits <= 15; ++i) {
+        if (digit(i)) {
+            whole = whole * 10 + (c[i].unicode() - '0');
+            ++digits;
+            if (fraction >= 0) ++fraction;
+        } else if (c[i] == QLatin1Char('.') && fraction < 0 && digit(i + 1)) {
+            fraction = 0;
+        } else {
+            break;
+        }
+    }
+    if (plain && i == end && digits <= 15) {
+        const double value = static_cast<double>(whole) / kPowersOfTen[std::max(fraction, 0)];
+        return negative ? -value : value;
+    }
     bool ok = false;
     const double value = piece.trimmed().toDouble(&ok);
-    // "nan" and "inf" convert, but they are not dimensions.
     return ok && std::isfinite(value) ? value : 0.0;
+}
+
+// Whether s holds keyword in any case; most texts are ruled out by the keyword's first character.
+bool containsKeyword(const QString& s, const QString& keyword) {
+    if (keyword.isEmpty()) return false;
+    const uint first = QChar::toCaseFolded(keyword[0].unicode());
+    for (const QChar c : s)
+        if (QChar::toCaseFolded(c.unicode()) == first) return s.contains(keyword, Qt::CaseInsensitive);
+    return false;
+}
+
+// The text without white space, shared when it has none.
+QString withoutSpaces(const QString& text) {
+    int i = 0;
+    while (i < text.size() && !text[i].isSpace()) ++i;
+    if (i == text.size()) return text;
+    QString out = text.left(i);
+    for (; i < text.size(); ++i)
+        if (!text[i].isSpace()) out.append(text[i]);
+    return out;
+}
+
+// Calls take(value) for each piece of text between separators, left to right.
+template <typename Take>
+void eachNumber(const QString& text, QChar separator, Take take) {
+    const QChar* c = text.unicode();
+    const int n = text.size();
+    int start = 0;
+    for (int i = 0; i <= n; ++i)
+        if (i == n || c[i] == separator) {
+            take(plainNumber(text.midRef(start, i - start)));
+            start = i + 1;
+        }
 }
 
 }  // namespace
@@ -69,8 +138,47 @@ double plainNumber(const QStringRef& piece) {
 SKRSectionPolyInfoParser::SKRSectionPolyInfoParser()
     : m_standardTypes(standardTypes()), m_weldedTypes(weldedTypes()) {}
 
+namespace {
+
+// Counts the language changes the application has seen, so that the keyword is translated again
+// only after a translator comes or goes (it is looked for in every text typed).
+QAtomicInt g_languageChanges;
+
+class LanguageWatcher : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::LanguageChange) g_languageChanges.fetchAndAddOrdered(1);
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+// Whether language changes are being counted; the watcher is installed from the application's
+// own thread once there is an application.
+bool watchingLanguage() {
+    static QAtomicInt installed;
+    if (installed.loadAcquire()) return true;
+    QCoreApplication* app = QCoreApplication::instance();
+    if (!app || QThread::currentThread() != app->thread()) return false;
+    app->installEventFilter(new LanguageWatcher(app));
+    installed.storeRelease(1);
+    return true;
+}
+
+QString translatedKeyword() { return QCoreApplication::translate("SKRSectionPolyDlg", "自定义截面"); }
+
+}  // namespace
+
 QString SKRSectionPolyInfoParser::customSectionKeyword() {
-    return QCoreApplication::translate("SKRSectionPolyDlg", "自定义截面");
+    if (!watchingLanguage()) return translatedKeyword();
+    thread_local int seen = -1;
+    thread_local QString keyword;
+    const int changes = g_languageChanges.loadAcquire();
+    if (changes != seen) {
+        keyword = translatedKeyword();
+        seen = changes;
+    }
+    return keyword;
 }
 
 void SKRSectionPolyInfoParser::reset() {
@@ -87,10 +195,8 @@ void SKRSectionPolyInfoParser::reset() {
 
 void SKRSectionPolyInfoParser::parser(const QString& text) {
     reset();
-    m_rawText = text;
     const bool userSection = text.indexOf(kUserMark) >= 1;
-    m_rawText = m_rawText.simplified();
-    m_rawText.remove(QLatin1Char(' '));
+    m_rawText = withoutSpaces(text);
     const QString compact = m_rawText;
     if (userSection) {
         m_name = m_rawText;
@@ -107,7 +213,13 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     m_sectionType = analysePolyID();
     parserParamValue(static_cast<EnSKRSectionGroupType>(m_groupType), static_cast<EnSKRSectionType>(m_sectionType));
     m_paramCount = m_params.size();
-    applyWeldedNorm(compact.toUpper());
+    // The norms see the text upper-cased with its brackets: that is the name already made when
+    // there were no brackets and the last character has no capital.
+    const QChar last = compact.isEmpty() ? QChar() : compact.back();
+    const bool nameIsUpper = !userSection && !compact.contains(QLatin1Char('(')) && !compact.contains(QLatin1Char(')')) &&
+                             last.unicode() < 0x80 &&
+                             !(last >= QLatin1Char('a') && last <= QLatin1Char('z'));
+    applyWeldedNorm(nameIsUpper ? m_rawText : compact.toUpper());
     // Ball nodes are matched by their norms but listed with the catalogue sections.
     if (skr::section::isBallType(m_sectionType)) m_groupType = sgStandard;
     // Nothing made from a section may hold an infinite or overflowing figure: such a text is
@@ -124,46 +236,39 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
 
 QString SKRSectionPolyInfoParser::outOfRangeDimension(const QString& text) {
     // Every number as written, left to right: digits with an optional point and fraction, or a
-    // point and a fraction, then an optional exponent (scanned by hand: this runs per keystroke).
-    const auto ascii = [&text](int i) { return i < text.size() && text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9'); };
-    const auto digits = [&](int i) {
-        while (ascii(i)) ++i;
-        return i;
-    };
+    // point and a fraction, then an optional exponent. Scanned by hand, as this runs per keystroke:
+    // up to six whole digits (leading zeros aside) and no exponent is below the limit unread.
+    const QChar* c = text.unicode();
     const int n = text.size();
+    const auto ascii = [c, n](int i) { return i < n && c[i] >= QLatin1Char('0') && c[i] <= QLatin1Char('9'); };
     for (int i = 0; i < n;) {
-        int end;
+        int end = i, whole = 0;
         if (ascii(i)) {
-            end = digits(i);
-            if (end < n && text[end] == QLatin1Char('.')) end = digits(end + 1);
-        } else if (text[i] == QLatin1Char('.') && ascii(i + 1)) {
-            end = digits(i + 1);
+            for (; ascii(end); ++end)
+                if (whole > 0 || c[end] != QLatin1Char('0')) ++whole;
+            if (end < n && c[end] == QLatin1Char('.'))
+                for (++end; ascii(end); ++end) {}
+        } else if (c[i] == QLatin1Char('.') && ascii(i + 1)) {
+            for (end = i + 1; ascii(end); ++end) {}
         } else {
             ++i;
             continue;
         }
-        if (end < n && (text[end] == QLatin1Char('e') || text[end] == QLatin1Char('E'))) {
-            int exponent = end + 1;
-            if (exponent < n && (text[exponent] == QLatin1Char('+') || text[exponent] == QLatin1Char('-'))) ++exponent;
-            if (ascii(exponent)) end = digits(exponent);
-        }
-        const QStringRef written = text.midRef(i, end - i);
-        // Up to six digits before any point and no exponent: below the limit without reading it.
-        int whole = 0;
         bool exponent = false;
-        bool point = false;
-        for (const QChar c : written) {
-            if (c == QLatin1Char('e') || c == QLatin1Char('E')) exponent = true;
-            point = point || c == QLatin1Char('.');
-            if (!point && !exponent && c.isDigit() && (whole > 0 || c != QLatin1Char('0'))) ++whole;
+        if (end < n && (c[end] == QLatin1Char('e') || c[end] == QLatin1Char('E'))) {
+            int digits = end + 1;
+            if (digits < n && (c[digits] == QLatin1Char('+') || c[digits] == QLatin1Char('-'))) ++digits;
+            if (ascii(digits)) {
+                exponent = true;
+                for (end = digits; ascii(end); ++end) {}
+            }
         }
-        if (!exponent && whole <= 6) {
-            i = end;
-            continue;
+        if (exponent || whole > 6) {
+            const QStringRef written = text.midRef(i, end - i);
+            bool ok = false;
+            const double value = written.toDouble(&ok);
+            if (!ok || !std::isfinite(value) || value > kMaxDimension) return written.toString();
         }
-        bool ok = false;
-        const double value = written.toDouble(&ok);
-        if (!ok || !std::isfinite(value) || value > kMaxDimension) return written.toString();
         i = end;
     }
     return QString();
@@ -181,7 +286,8 @@ QString SKRSectionPolyInfoParser::rangeRefusal(const QString& text) {
 // The welded norms decide types 18 to 21 and confirm the others; they see the text with its
 // brackets, which only the tapered H is written with.
 void SKRSectionPolyInfoParser::applyWeldedNorm(const QString& copy) {
-    skr::section::WeldSectionNormParser norms;
+    // One matcher per thread, reused: every parse tries the norms.
+    thread_local skr::section::WeldSectionNormParser norms;
     if (!norms.isValid(copy) || !norms.match(copy)) return;
     m_sectionType = norms.matchedType();
     m_groupType = sgWelded;
@@ -244,7 +350,21 @@ GSectionPolyInfo SKRSectionPolyInfoParser::sectionPolyInfo() const {
 
 QString SKRSectionPolyInfoParser::standardNameToUpper(const QString& text) {
     if (text.isEmpty()) return text;
-    return text.left(text.size() - 1).toUpper() + text.right(1);
+    // ASCII (nearly every text) is upper-cased in place; anything else takes Qt's full case
+    // mapping, which may change the length.
+    const int last = text.size() - 1;
+    bool lower = false;
+    for (int i = 0; i < last; ++i) {
+        const ushort c = text[i].unicode();
+        if (c >= 0x80) return text.left(last).toUpper() + text.right(1);
+        lower = lower || (c >= 'a' && c <= 'z');
+    }
+    if (!lower) return text;
+    QString upper = text;
+    QChar* c = upper.data();
+    for (int i = 0; i < last; ++i)
+        if (c[i] >= QLatin1Char('a') && c[i] <= QLatin1Char('z')) c[i] = QChar(c[i].unicode() - 'a' + 'A');
+    return upper;
 }
 
 void SKRSectionPolyInfoParser::parserType(const QString& s) {
@@ -262,7 +382,7 @@ void SKRSectionPolyInfoParser::parserType(const QString& s) {
         return;
     }
     const QString keyword = customSectionKeyword();
-    if (!keyword.isEmpty() && s.contains(keyword, Qt::CaseInsensitive)) {
+    if (containsKeyword(s, keyword)) {
         m_typeCode = keyword;
         m_valueText = s;
         m_valueText.remove(keyword, Qt::CaseInsensitive);
@@ -328,9 +448,7 @@ QString SKRSectionPolyInfoParser::weldingSteelMark(int type, int ribFlag) {
 
 QList<double> SKRSectionPolyInfoParser::parserValue(const QString& text, QChar separator) {
     QList<double> values;
-    const QVector<QStringRef> pieces = text.splitRef(separator, Qt::KeepEmptyParts, Qt::CaseSensitive);
-    values.reserve(pieces.size());
-    for (const QStringRef& piece : pieces) values.append(plainNumber(piece));
+    eachNumber(text, separator, [&values](double value) { values.append(value); });
     return values;
 }
 
@@ -355,6 +473,7 @@ void SKRSectionPolyInfoParser::applyModified(const EnSKRSectionType& type, QList
 }
 
 void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& group, const EnSKRSectionType& type) {
+    m_params.reserve(8);  // one allocation for any section's figures
     const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(type);
     if (group == sgStandard) {
         if (row && row->group == group) m_typeIndex = skr::section::sectionTypeIndex(type);
@@ -364,7 +483,7 @@ void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& gro
                 m_params += dimensions;
             return;
         }
-        pushBackParamValues(parserValue(m_valueText, QLatin1Char('*')));
+        eachNumber(m_valueText, QLatin1Char('*'), [this](double value) { m_params.append(value); });
         return;
     }
     if (group == sgWelded) {
@@ -379,7 +498,7 @@ void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& gro
         return;
     }
     if (type == stNone) m_typeIndex = 0;
-    pushBackParamValues(parserValue(m_valueText, QLatin1Char('*')));
+    eachNumber(m_valueText, QLatin1Char('*'), [this](double value) { m_params.append(value); });
 }
 
 QMap<QString, QString> SKRSectionPolyInfoParser::parserParamEqualString(const QString& text, const QString& separator,

@@ -3,7 +3,6 @@
 
 #include "section_spec/SKRScriptEvaluator.h"
 
-#include <QVarLengthArray>
 
 namespace skr {
 namespace section {
@@ -13,11 +12,12 @@ bool asciiDigit(const QString& text, int i) {
     return i < text.size() && text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9');
 }
 
-// "^token...$" with each parameter a number (\d+\.?\d*), for formats matched by hand. The
-// values are only made once the whole text has matched: most formats tried fail.
-bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& tokens, QMap<QString, QString>& values) {
-    QVarLengthArray<QPair<int, int>, 16> numbers;  // start and length of each parameter's number
-    int at = 0;
+// "^token...$" with each parameter a number (\d+\.?\d*), for formats matched by hand: the start
+// and length of each parameter's number go to numbers. Most formats tried fail, so values are
+// only made from these when asked for.
+bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& tokens, QPair<int, int>* numbers,
+                 int capacity) {
+    int at = 0, n = 0;
     for (const auto& token : tokens) {
         if (!token.second) {
             if (text.midRef(at, token.first.size()) != token.first) return false;
@@ -25,22 +25,15 @@ bool matchTokens(const QString& text, const QVector<QPair<QString, bool>>& token
             continue;
         }
         const int start = at;
-        if (!asciiDigit(text, at)) return false;
+        if (!asciiDigit(text, at) || n == capacity) return false;
         while (asciiDigit(text, at)) ++at;
         if (at < text.size() && text[at] == QLatin1Char('.')) {
             ++at;
             while (asciiDigit(text, at)) ++at;
         }
-        numbers.append({start, at - start});
+        numbers[n++] = {start, at - start};
     }
-    if (at != text.size()) return false;
-    int n = 0;
-    for (const auto& token : tokens)
-        if (token.second) {
-            values.insert(token.first, text.mid(numbers[n].first, numbers[n].second));
-            ++n;
-        }
-    return true;
+    return at == text.size();
 }
 
 }  // namespace
@@ -70,6 +63,25 @@ SectionNormTable::SectionNormTable(QVector<SectionNormEntry> entries) : m_entrie
         }
         m_compiled.append(formats);
     }
+    // Each first character of a leading literal gets the formats it can start, in table order.
+    QVector<QPair<int, int>> all;
+    for (int e = 0; e < m_compiled.size(); ++e)
+        for (int f = 0; f < m_compiled[e].size(); ++f) {
+            all.append({e, f});
+            const QString& prefix = m_compiled[e][f].literalPrefix;
+            if (prefix.isEmpty()) m_unprefixed.append({e, f});
+            else m_candidatesByFirst.insert(prefix[0].unicode(), {});
+        }
+    for (auto it = m_candidatesByFirst.begin(); it != m_candidatesByFirst.end(); ++it)
+        for (const auto& pair : all) {
+            const QString& prefix = m_compiled[pair.first][pair.second].literalPrefix;
+            if (prefix.isEmpty() || prefix[0].unicode() == it.key()) it.value().append(pair);
+        }
+}
+
+const QVector<QPair<int, int>>& SectionNormTable::candidates(QChar first) const {
+    const auto it = m_candidatesByFirst.constFind(first.unicode());
+    return it == m_candidatesByFirst.constEnd() ? m_unprefixed : it.value();
 }
 
 SectionNormParser::SectionNormParser(QSharedPointer<const SectionNormTable> table) : m_table(std::move(table)) {}
@@ -92,45 +104,67 @@ QString SectionNormParser::expressionOf(const SectionNormEntry& entry, const QSt
 
 bool SectionNormParser::match(const QString& text) {
     m_matchedEntry = -1;
+    m_matchedFormat = nullptr;
     m_values.clear();
+    m_valuesMade = true;
+    if (text.isEmpty()) return false;
     const QVector<SectionNormEntry>& all = m_table->entries();
-    for (int e = 0; e < all.size(); ++e) {
-        for (const SectionNormTable::CompiledFormat& format : m_table->formatsOf(e)) {
-            // Cheap rejection before running the expression: most texts fail on their mark.
-            if (!format.literalPrefix.isEmpty()) {
-                if (!text.startsWith(format.literalPrefix)) continue;
-                if (format.digitAfterPrefix) {
-                    const int at = format.literalPrefix.size();
-                    if (at >= text.size() || !text[at].isDigit()) continue;
-                }
+    for (const auto& candidate : m_table->candidates(text[0])) {
+        const int e = candidate.first;
+        const SectionNormTable::CompiledFormat& format = m_table->formatsOf(e)[candidate.second];
+        // Cheap rejection before running the expression: most texts fail on their mark.
+        if (!format.literalPrefix.isEmpty()) {
+            if (!text.startsWith(format.literalPrefix)) continue;
+            if (format.digitAfterPrefix) {
+                const int at = format.literalPrefix.size();
+                if (at >= text.size() || !text[at].isDigit()) continue;
             }
-            if (format.byHand) {
-                QMap<QString, QString> values;
-                if (!matchTokens(text, format.tokens, values)) continue;
-                m_values = values;
-            } else {
-                const QRegularExpressionMatch found = format.expression.match(text);
-                if (!found.hasMatch()) continue;
-                for (const QString& name : all[e].paramNames) {
-                    const QString value = found.captured(name);
-                    if (!value.isNull()) m_values.insert(name, value);
-                }
-            }
-            m_matchedEntry = e;
-            for (const auto& completion : all[e].completions)
-                if (!m_values.contains(completion.first) && m_values.contains(completion.second))
-                    m_values.insert(completion.first, m_values.value(completion.second));
-            return true;
         }
+        if (format.byHand) {
+            if (!matchTokens(text, format.tokens, m_numbers, kMaxNumbers)) continue;
+            m_matchedText = text;
+            m_matchedFormat = &format;
+            m_valuesMade = false;
+        } else {
+            const QRegularExpressionMatch found = format.expression.match(text);
+            if (!found.hasMatch()) continue;
+            for (const QString& name : all[e].paramNames) {
+                const QString value = found.captured(name);
+                if (!value.isNull()) m_values.insert(name, value);
+            }
+            complete(all[e], m_values);
+        }
+        m_matchedEntry = e;
+        return true;
     }
     return false;
+}
+
+void SectionNormParser::complete(const SectionNormEntry& entry, QMap<QString, QString>& values) {
+    for (const auto& completion : entry.completions)
+        if (!values.contains(completion.first) && values.contains(completion.second))
+            values.insert(completion.first, values.value(completion.second));
+}
+
+const QMap<QString, QString>& SectionNormParser::values() const {
+    if (!m_valuesMade) {
+        int n = 0;
+        for (const auto& token : m_matchedFormat->tokens)
+            if (token.second) {
+                m_values.insert(token.first, m_matchedText.mid(m_numbers[n].first, m_numbers[n].second));
+                ++n;
+            }
+        complete(m_table->entries()[m_matchedEntry], m_values);
+        m_valuesMade = true;
+    }
+    return m_values;
 }
 
 int SectionNormParser::matchedType() const {
     return m_matchedEntry < 0 ? -1 : m_table->entries()[m_matchedEntry].sectionType;
 }
 
-void SectionNormParser::namedValues(QMap<QString, QString>& values) const { values = m_values; }
+void SectionNormParser::namedValues(QMap<QString, QString>& out) const { out = values(); }
 
 const SectionNormEntry* SectionNormParser::matchedEntry() const {
     return m_matchedEntry < 0 ? nullptr : &m_table->entries()[m_matchedEntry];
@@ -138,8 +172,8 @@ const SectionNormEntry* SectionNormParser::matchedEntry() const {
 
 QMap<QString, double> SectionNormParser::numericValues() const {
     QMap<QString, double> numbers;
-    for (auto it = m_values.constBegin(); it != m_values.constEnd(); ++it)
-        numbers.insert(it.key(), it.value().toDouble());
+    const QMap<QString, QString>& named = values();
+    for (auto it = named.constBegin(); it != named.constEnd(); ++it) numbers.insert(it.key(), it.value().toDouble());
     return numbers;
 }
 

@@ -4,6 +4,7 @@
 
 #include "section_spec/EnSKRSectionType.h"
 
+#include <QHash>
 #include <QMap>
 #include <QRegularExpression>
 #include <QSharedPointer>
@@ -42,10 +43,14 @@ public:
 
     const QVector<SectionNormEntry>& entries() const { return m_entries; }
     const QVector<CompiledFormat>& formatsOf(int entryIndex) const { return m_compiled[entryIndex]; }
+    // The (entry, format) pairs a text starting with `first` can match, in table order.
+    const QVector<QPair<int, int>>& candidates(QChar first) const;
 
 private:
     QVector<SectionNormEntry> m_entries;
     QVector<QVector<CompiledFormat>> m_compiled;
+    QHash<ushort, QVector<QPair<int, int>>> m_candidatesByFirst;
+    QVector<QPair<int, int>> m_unprefixed;  // formats that begin with a parameter
 };
 
 class SectionNormParser {
@@ -78,7 +83,18 @@ protected:
 
     QSharedPointer<const SectionNormTable> m_table;
     int m_matchedEntry = -1;
-    QMap<QString, QString> m_values;
+    // The matched values, made on first use: a parse often needs only the matched type.
+    const QMap<QString, QString>& values() const;
+    // Fills the entry's missing parameters from the ones they copy.
+    static void complete(const SectionNormEntry& entry, QMap<QString, QString>& values);
+    mutable QMap<QString, QString> m_values;
+
+private:
+    mutable bool m_valuesMade = true;
+    QString m_matchedText;
+    const SectionNormTable::CompiledFormat* m_matchedFormat = nullptr;
+    static constexpr int kMaxNumbers = 16;
+    QPair<int, int> m_numbers[kMaxNumbers];  // start and length of each parameter's number
 };
 
 }  // namespace section

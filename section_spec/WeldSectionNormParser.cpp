@@ -1,6 +1,8 @@
 // WeldSectionNormParser: the welded and ball norm table, compiled once per process.
 #include "section_spec/WeldSectionNormParser.h"
 
+#include <QHash>
+
 namespace skr {
 namespace section {
 namespace {
@@ -73,8 +75,18 @@ QVector<SectionNormEntry> WeldSectionNormParser::weldedNorms() {
 WeldSectionNormParser::WeldSectionNormParser() : SectionNormParser(sharedWeldedTable()) {}
 
 bool WeldSectionNormParser::isValid(const QString& text) const {
-    for (const SectionNormEntry& entry : entries())
-        if (text.startsWith(entry.key)) return true;
+    // The entries' marks by their first character, as most texts are tried on each keystroke.
+    static const QHash<ushort, QStringList> marksByFirst = [] {
+        QHash<ushort, QStringList> marks;
+        for (const SectionNormEntry& entry : sharedWeldedTable()->entries())
+            if (!entry.key.isEmpty()) marks[entry.key[0].unicode()].append(entry.key);
+        return marks;
+    }();
+    if (text.isEmpty()) return false;
+    const auto marks = marksByFirst.constFind(text[0].unicode());
+    if (marks == marksByFirst.constEnd()) return false;
+    for (const QString& mark : *marks)
+        if (text.startsWith(mark)) return true;
     return false;
 }
 
