@@ -103,9 +103,15 @@ double plainNumber(const QStringRef& piece) {
 // Whether s holds keyword in any case; most texts are ruled out by the keyword's first character.
 bool containsKeyword(const QString& s, const QString& keyword) {
     if (keyword.isEmpty()) return false;
-    const uint first = QChar::toCaseFolded(keyword[0].unicode());
-    for (const QChar c : s)
-        if (QChar::toCaseFolded(c.unicode()) == first) return s.contains(keyword, Qt::CaseInsensitive);
+    const ushort k = keyword[0].unicode();
+    const uint first = QChar::toCaseFolded(k);
+    const ushort other = QChar(k).isUpper() ? QChar(k).toLower().unicode() : QChar(k).toUpper().unicode();
+    for (const QChar c : s) {
+        const ushort u = c.unicode();
+        // Letters other than the keyword's two cases are only checked by folding outside ASCII.
+        if (u == k || u == other || (u >= 0x80 && QChar::toCaseFolded(u) == first))
+            return s.contains(keyword, Qt::CaseInsensitive);
+    }
     return false;
 }
 
@@ -335,17 +341,12 @@ SKRWeldBallInfo SKRSectionPolyInfoParser::parser(const QString& text, const QStr
 }
 
 GSectionPolyInfo SKRSectionPolyInfoParser::sectionPolyInfo() const {
-    GSectionPolyInfo info;
-    info.name = m_name;
-    info.typeCode = m_typeCode;
-    info.valueText = m_valueText;
-    info.paramCount = m_paramCount;
-    info.typeIndex = m_typeIndex;
-    info.weldBallCode = m_weldBallCode;
-    info.groupType = static_cast<EnSKRSectionGroupType>(m_groupType);
-    info.sectionType = static_cast<EnSKRSectionType>(m_sectionType);
-    info.params = m_params;
-    return info;
+    // Built in one piece: copy-constructing the strings is cheaper than assigning them.
+    return GSectionPolyInfo{m_name,         m_typeCode,    m_valueText,
+                            m_paramCount,   m_typeIndex,   m_weldBallCode,
+                            static_cast<EnSKRSectionGroupType>(m_groupType),
+                            static_cast<EnSKRSectionType>(m_sectionType),
+                            m_params};
 }
 
 QString SKRSectionPolyInfoParser::standardNameToUpper(const QString& text) {
@@ -465,11 +466,27 @@ void SKRSectionPolyInfoParser::analyseComplexValue(const QString& text, const QS
     }
 }
 
+namespace {
+
+// Completes the figures values[first..] that a text may shorten, as the type's row says (a
+// repeated thickness or width).
+template <typename Values>
+void padShortened(const SKRSectionTypeDescriptor* row, Values& values, int first) {
+    const int count = values.size() - first;
+    if (!row || count != row->padWhen || count == 0) return;
+    if (row->pad == skr::section::SKRPadRule::RepeatLast) {
+        const double last = values.last();
+        values.append(last);
+    } else if (row->pad == skr::section::SKRPadRule::RepeatFirst) {
+        const double head = values[first];
+        values.insert(first, head);
+    }
+}
+
+}  // namespace
+
 void SKRSectionPolyInfoParser::applyModified(const EnSKRSectionType& type, QList<double>& values) {
-    const SKRSectionTypeDescriptor* row = skr::section::sectionTypeDescriptor(type);
-    if (!row || values.size() != row->padWhen || values.isEmpty()) return;
-    if (row->pad == skr::section::SKRPadRule::RepeatLast) values.append(values.last());
-    else if (row->pad == skr::section::SKRPadRule::RepeatFirst) values.prepend(values.first());
+    padShortened(skr::section::sectionTypeDescriptor(type), values, 0);
 }
 
 void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& group, const EnSKRSectionType& type) {
@@ -491,9 +508,10 @@ void SKRSectionPolyInfoParser::parserParamValue(const EnSKRSectionGroupType& gro
         if (row && *row->pieceSeparator) {
             analyseComplexValue(m_valueText, QString::fromLatin1(row->pieceSeparator));
         } else {
-            QList<double> values = parserValue(m_valueText, QLatin1Char('*'));
-            applyModified(type, values);
-            pushBackParamValues(values);
+            // parserValue, applyModified and pushBackParamValues in one pass, without a list.
+            const int first = m_params.size();
+            eachNumber(m_valueText, QLatin1Char('*'), [this](double value) { m_params.append(value); });
+            padShortened(row, m_params, first);
         }
         return;
     }
