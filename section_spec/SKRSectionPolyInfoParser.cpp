@@ -203,7 +203,13 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     reset();
     const bool userSection = text.indexOf(kUserMark) >= 1;
     m_rawText = withoutSpaces(text);
-    const QString compact = m_rawText;
+    // The norms see the text upper-cased with its brackets: that is the name made below when
+    // there are no brackets and the last character (which the name keeps) has no capital.
+    const QChar last = m_rawText.isEmpty() ? QChar() : m_rawText.back();
+    const bool nameIsUpper = !userSection && !m_rawText.contains(QLatin1Char('(')) &&
+                             !m_rawText.contains(QLatin1Char(')')) && last.unicode() < 0x80 &&
+                             !(last >= QLatin1Char('a') && last <= QLatin1Char('z'));
+    const QString normText = nameIsUpper ? QString() : m_rawText.toUpper();
     if (userSection) {
         m_name = m_rawText;
         parserType(m_rawText);
@@ -219,13 +225,7 @@ void SKRSectionPolyInfoParser::parser(const QString& text) {
     m_sectionType = analysePolyID();
     parserParamValue(static_cast<EnSKRSectionGroupType>(m_groupType), static_cast<EnSKRSectionType>(m_sectionType));
     m_paramCount = m_params.size();
-    // The norms see the text upper-cased with its brackets: that is the name already made when
-    // there were no brackets and the last character has no capital.
-    const QChar last = compact.isEmpty() ? QChar() : compact.back();
-    const bool nameIsUpper = !userSection && !compact.contains(QLatin1Char('(')) && !compact.contains(QLatin1Char(')')) &&
-                             last.unicode() < 0x80 &&
-                             !(last >= QLatin1Char('a') && last <= QLatin1Char('z'));
-    applyWeldedNorm(nameIsUpper ? m_rawText : compact.toUpper());
+    applyWeldedNorm(nameIsUpper ? m_rawText : normText);
     // Ball nodes are matched by their norms but listed with the catalogue sections.
     if (skr::section::isBallType(m_sectionType)) m_groupType = sgStandard;
     // Nothing made from a section may hold an infinite or overflowing figure: such a text is
