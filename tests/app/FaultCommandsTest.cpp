@@ -1,7 +1,8 @@
-// bxq's data verbs under faults of their files, grouped by fault: a damaged row, a file held
-// by another program, no permission (as an ordinary user), a full disk, many writers at once.
-// A refused verb exits with 1, says in one line what went wrong and names the file, prints
-// nothing on standard output and leaves the file byte for byte as it was, with no journal.
+// bxq's data verbs under faults of their files, grouped by fault: a damaged row, a flipped byte
+// of the shipped catalogue, a file held by another program, no permission (as an ordinary user),
+// a full disk, many writers at once, numbers past any building. A refused verb exits with 1, says
+// in one line what went wrong and names the file, prints nothing on standard output and leaves the
+// file byte for byte as it was, with no journal.
 #include "section_data/SKRProjectSchema.h"
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
@@ -9,38 +10,25 @@
 #include "vmp/VMPProjectModel.h"
 
 #include "support/BxqProcess.h"
-#include "support/LockHolder.h"
 #include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
+#include "support/LockHolder.h"
 
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 
-#include <unistd.h>
-
-using ndp::EnDBFieldKind;
-
 namespace {
 
-struct BxqRun {
-    int exitCode = -1;
-    QByteArray out;
-    QString err;
-};
+using bxqtest::BxqRun;
 
-// Runs bxq with the data folder and extra environment; as uid 65534 when asked and running as
-// root (an ordinary user already is one).
 BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QStringList& environment = {},
-        bool ordinaryUser = false) {
-    const bxqtest::BxqRun run = bxqtest::runBxq(
-        arguments, {dataDir, {}, QStringList{QStringLiteral("BXQ_BUSY_TIMEOUT=300")} + environment, ordinaryUser});
-    return {run.exitCode, run.out, QString::fromUtf8(run.err)};
+           bool ordinaryUser = false) {
+    return bxqtest::runBxq(arguments, {dataDir, {}, QStringList{"BXQ_BUSY_TIMEOUT=300"} + environment, ordinaryUser});
 }
 
 QByteArray digest(const QString& path) {
@@ -51,11 +39,11 @@ QByteArray digest(const QString& path) {
 
 // What every refusal must show.
 void expectRefused(const BxqRun& run, const QString& file, const QString& reason) {
-    EXPECT_EQ(run.exitCode, 1) << qPrintable(run.err);
+    const QString err = QString::fromUtf8(run.err);
+    EXPECT_EQ(run.exitCode, 1) << qPrintable(err);
     EXPECT_TRUE(run.out.isEmpty()) << run.out.constData();
-    EXPECT_EQ(run.err.count('\n'), 1) << qPrintable(run.err);
-    EXPECT_TRUE(run.err.contains(file)) << qPrintable(run.err);
-    EXPECT_TRUE(run.err.contains(reason)) << qPrintable(run.err);
+    EXPECT_EQ(err.count('\n'), 1) << qPrintable(err);
+    EXPECT_TRUE(err.contains(file) && err.contains(reason)) << qPrintable(err);
 }
 
 void expectNoJournal(const QString& folder) {
@@ -63,52 +51,46 @@ void expectNoJournal(const QString& folder) {
 }
 
 // A catalogue of I20a, I20b and [20a; the h of the row named damaged is a long text that
-// damageLongRow can make unreadable.
-void writeCatalogue(const QString& path, const std::wstring& damaged = std::wstring()) {
+// damageLongRow makes unreadable.
+void writeCatalogue(const QString& path, const std::wstring& damaged = {}) {
     ndp::CDatabase db;
     ASSERT_TRUE(db.Create(path));
     ndp::CDBTable* table = db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
-    const std::pair<int, const wchar_t*> rows[] = {{1, L"I20a"}, {1, L"I20b"}, {2, L"[20a"}};
-    for (const auto& row : rows) {
+    for (const auto& [type, name] : {std::pair<int, std::wstring>{1, L"I20a"}, {1, L"I20b"}, {2, L"[20a"}}) {
         ndp::CDBRecord* record = table->CreateRecord();
-        record->SetInt(0, row.first);
+        record->SetInt(0, type);
         record->SetInt(1, 1);
-        record->SetString(2, row.second);
+        record->SetString(2, name);
         record->SetDouble(3, 27.929);
         record->SetDouble(4, 0.742);
-        record->SetString(5, row.second == damaged ? bxqtest::longNumberText("200").toStdWString() : L"200");
+        record->SetString(5, name == damaged ? bxqtest::longNumberText("200").toStdWString() : L"200");
         for (int field = 6; field < 9; ++field) record->SetString(field, L"10");
         ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
         record->Release();
     }
     ASSERT_TRUE(db.Flush());
-    if (!damaged.empty()) {
-        ASSERT_TRUE(bxqtest::damageLongRow(path));
-    }
+    if (!damaged.empty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
 }
 
 // A project of three user sections of type 9, subs 1 to 3; the one named damaged unreadable.
-void writeProject(const QString& path, const std::wstring& damaged = std::wstring()) {
+void writeProject(const QString& path, const QString& damaged = {}) {
     VMPProjectModel model;
     ASSERT_TRUE(model.open(path));
     ndp::CDBTable* table = model.getProjectDB()->GetTable(skr::section::schema::user_section::table);
-    const wchar_t* names[] = {L"Z1(ZDY)", L"Z2(ZDY)", L"Z3(ZDY)"};
-    for (int i = 0; i < 3; ++i) {
+    for (int sub = 1; sub <= 3; ++sub) {
+        const QString name = QStringLiteral("Z%1(ZDY)").arg(sub);
         ndp::CDBRecord* record = table->CreateRecord();
         record->SetInt(0, 9);
-        record->SetInt(1, i + 1);
-        record->SetString(2, names[i]);
+        record->SetInt(1, sub);
+        record->SetString(2, name.toStdWString());
         record->SetDouble(3, 12.5);
         record->SetDouble(4, 0.6);
-        const QString height = names[i] == damaged ? bxqtest::longNumberText("270") : QStringLiteral("270");
-        record->SetString(5, (QStringLiteral("h=") + height).toStdWString());
+        record->SetString(5, ("h=" + (name == damaged ? bxqtest::longNumberText("270") : "270")).toStdWString());
         ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
         record->Release();
     }
     ASSERT_TRUE(model.save());
-    if (!damaged.empty()) {
-        ASSERT_TRUE(bxqtest::damageLongRow(path));
-    }
+    if (!damaged.isEmpty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
 }
 
 QStringList addArguments(const QString& project, const QString& name) {
@@ -117,47 +99,79 @@ QStringList addArguments(const QString& project, const QString& name) {
 
 // The verbs that change a project, each on a section the project of writeProject has.
 QList<QStringList> changeVerbs(const QString& project) {
-    return {addArguments(project, "Z9"),
-            {"user-section", "update", "Z1", "--project", project, "--weight", "2"},
+    return {addArguments(project, "Z9"), {"user-section", "update", "Z1", "--project", project, "--weight", "2"},
             {"user-section", "remove", "--project", project, "--type", "9", "--sub", "1"}};
 }
 
 class BxqFaultTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_data.isValid() && m_work.isValid());
-        m_catalogue = m_data.filePath("SKRSectionPolyDB.KDB");
-        m_project = m_work.filePath("project.KDB");
-    }
-    QTemporaryDir m_data;
-    QTemporaryDir m_work;
-    QString m_catalogue;
-    QString m_project;
+    void SetUp() override { ASSERT_TRUE(m_data.isValid() && m_work.isValid()); }
+    QTemporaryDir m_data, m_work;
+    const QString m_catalogue = m_data.filePath("SKRSectionPolyDB.KDB");
+    const QString m_project = m_work.filePath("project.KDB");
 };
 
 }  // namespace
 
 TEST_F(BxqFaultTest, ADamagedRowIsAnErrorForEveryVerbThatReadsIt) {
     writeCatalogue(m_catalogue, L"I20a");
-    writeProject(m_project, L"Z2(ZDY)");
-    const QList<QPair<QStringList, QString>> cases{
-        {{"catalogue"}, m_catalogue},
-        {{"catalogue", "--type", "1", "--json"}, m_catalogue},
-        {{"wpm", "I20a"}, m_catalogue},
-        {{"apm", "I20a"}, m_catalogue},
-        {{"parse", "--json", "I20a"}, m_catalogue},
-        {{"user-section", "list", "--project", m_project}, m_project},
-        {{"wpm", "--project", m_project, "Z2(ZDY)"}, m_project},
-    };
+    writeProject(m_project, "Z2(ZDY)");
     const QByteArray catalogueBefore = digest(m_catalogue), projectBefore = digest(m_project);
-    for (const auto& verb : cases) {
-        SCOPED_TRACE(verb.first.join(' ').toStdString());
-        expectRefused(bxq(m_data.path(), verb.first), verb.second, "malformed");
+    for (const auto& [verb, file] : QList<QPair<QStringList, QString>>{
+             {{"catalogue"}, m_catalogue},
+             {{"catalogue", "--type", "1", "--json"}, m_catalogue},
+             {{"wpm", "I20a"}, m_catalogue},
+             {{"apm", "I20a"}, m_catalogue},
+             {{"parse", "--json", "I20a"}, m_catalogue},
+             {{"user-section", "list", "--project", m_project}, m_project},
+             {{"wpm", "--project", m_project, "Z2(ZDY)"}, m_project}}) {
+        SCOPED_TRACE(verb.join(' ').toStdString());
+        expectRefused(bxq(m_data.path(), verb), file, "malformed");
     }
     // Rows that are sound still answer.
     EXPECT_EQ(bxq(m_data.path(), {"wpm", "I20b", "--project", m_project, "Z1(ZDY)"}).out, "27.929\n12.5\n");
     EXPECT_EQ(digest(m_catalogue), catalogueBefore);
     EXPECT_EQ(digest(m_project), projectBefore);
+}
+
+// With one byte of the shipped catalogue flipped, `catalogue` and `wpm` either print exactly what
+// the intact file gives or refuse naming the file.
+TEST(DamagedCatalogue, AFlippedByteIsRefusedOrChangesNothing) {
+    const QString shipped = QStringLiteral(BXQ_SHIPPED_DATA_DIR);
+    QFile original(shipped + "/SKRSectionPolyDB.KDB");
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    const QByteArray bytes = original.readAll();
+    ASSERT_GT(bytes.size(), 4096);
+    const QStringList verbs[] = {{"catalogue", "--json"}, {"wpm", "I20a", "HN400*200*8*13", "L100*80*10"}};
+    BxqRun intact[2];
+    for (int v = 0; v < 2; ++v) {
+        intact[v] = bxq(shipped, verbs[v]);
+        ASSERT_EQ(intact[v].exitCode, 0) << intact[v].err.constData();
+    }
+    int refused = 0;
+    const int positions = 48;  // spread over every page, past SQLite's own header checks
+    for (int i = 0; i < positions; ++i) {
+        const int at = 100 + static_cast<int>((static_cast<qint64>(bytes.size() - 101) * i) / positions);
+        QTemporaryDir dir;
+        QByteArray damaged = bytes;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0x10);
+        QFile copy(dir.filePath("SKRSectionPolyDB.KDB"));
+        ASSERT_TRUE(copy.open(QIODevice::WriteOnly) && copy.write(damaged) == damaged.size());
+        copy.close();
+        QFile::copy(shipped + "/SysInfo.KDB", dir.filePath("SysInfo.KDB"));
+        for (int v = 0; v < 2; ++v) {
+            SCOPED_TRACE(QString("byte %1, %2").arg(at).arg(verbs[v].join(' ')).toStdString());
+            const BxqRun run = bxq(dir.path(), verbs[v]);
+            if (run.exitCode == 0) {
+                EXPECT_EQ(run.out, intact[v].out);
+            } else {
+                ++refused;
+                expectRefused(run, "SKRSectionPolyDB.KDB", "");
+            }
+        }
+    }
+    // Flips in a page's unused space change nothing; the rest are content and must be noticed.
+    EXPECT_GE(refused, positions);
 }
 
 TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
@@ -170,7 +184,7 @@ TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
             SCOPED_TRACE(verb.join(' ').toStdString());
             const BxqRun run = bxq(m_data.path(), verb);
             expectRefused(run, m_project, "busy");
-            EXPECT_TRUE(run.err.contains("sqlite3 (process")) << qPrintable(run.err);
+            EXPECT_TRUE(run.err.contains("sqlite3 (process")) << run.err.constData();
         }
         EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}).exitCode, 0);
     }
@@ -188,23 +202,16 @@ TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
 TEST_F(BxqFaultTest, AChangeWithoutWritePermissionSaysSo) {
     writeProject(m_project);
     const QByteArray before = digest(m_project);
-    QFile::setPermissions(m_work.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther |
-                                             QFile::WriteOther | QFile::ExeOther);
-    QFile::setPermissions(m_data.path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+    const QFile::Permissions readable = QFile::ReadOwner | QFile::ReadOther, all = readable | QFile::WriteOwner |
+                                        QFile::WriteOther, folder = QFile::ExeOwner | QFile::ExeOther;
+    QFile::setPermissions(m_data.path(), readable | folder);
     const struct {
-        const char* fault;
-        QFile::Permissions folder;
-        QFile::Permissions file;
+        QFile::Permissions folder, file;
         const char* reason;
-    } cases[] = {
-        {"read-only file", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther | QFile::WriteOther |
-                               QFile::ExeOther,
-         QFile::ReadOwner | QFile::ReadOther, "no permission to write the file"},
-        {"read-only folder", QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther,
-         QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther | QFile::WriteOther, "no permission to write in its folder"},
-    };
+    } cases[] = {{all | folder, readable, "no permission to write the file"},
+                 {readable | folder, all, "no permission to write in its folder"}};
     for (const auto& fault : cases) {
-        SCOPED_TRACE(fault.fault);
+        SCOPED_TRACE(fault.reason);
         QFile::setPermissions(m_project, fault.file);
         QFile::setPermissions(m_work.path(), fault.folder);
         for (const QStringList& verb : changeVerbs(m_project)) {
@@ -220,8 +227,7 @@ TEST_F(BxqFaultTest, AChangeWithoutWritePermissionSaysSo) {
 }
 
 TEST_F(BxqFaultTest, AFullDiskLeavesNoProjectBehindAndAnExistingOneAsItWas) {
-    const QString shim = QStringLiteral("LD_PRELOAD=") + QStringLiteral(BXQ_NOSPACE_SHIM);
-    const QStringList full{shim, QStringLiteral("ASAN_OPTIONS=verify_asan_link_order=0")};
+    const QStringList full{QStringLiteral("LD_PRELOAD=" BXQ_NOSPACE_SHIM), "ASAN_OPTIONS=verify_asan_link_order=0"};
     const QString fresh = m_work.filePath("fresh.KDB");
     expectRefused(bxq(m_data.path(), addArguments(fresh, "Z1"), full), fresh, "full");
     EXPECT_TRUE(QDir(m_work.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
@@ -242,24 +248,17 @@ TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
     // Each writer a shell adding its sections one bxq at a time, counting the refusals; the
     // project does not exist yet, so the first ones race to create it too.
     const int writers = 8, adds = 50;
-    QList<QProcess*> shells;
+    std::vector<std::unique_ptr<QProcess>> shells;
     for (int writer = 1; writer <= writers; ++writer) {
-        auto* shell = new QProcess;
-        shell->start(QStringLiteral("sh"),
-                     {"-c",
-                      QStringLiteral("failed=0; for i in $(seq 1 %1); do \"%2\" user-section add \"Z%3*$i\" --project "
-                                     "\"%4\" --type 9 --weight 1 --area 1 >/dev/null || failed=$((failed+1)); done; "
-                                     "exit $failed")
-                          .arg(adds)
-                          .arg(QStringLiteral(BXQ_BINARY))
-                          .arg(writer)
-                          .arg(m_project)});
-        shells.append(shell);
+        shells.push_back(std::make_unique<QProcess>());
+        shells.back()->start("sh", {"-c", QStringLiteral("failed=0; for i in $(seq 1 %1); do \"%2\" user-section add "
+                                                         "\"Z%3*$i\" --project \"%4\" --type 9 --weight 1 --area 1 "
+                                                         ">/dev/null || failed=$((failed+1)); done; exit $failed")
+                                              .arg(adds).arg(BXQ_BINARY).arg(writer).arg(m_project)});
     }
-    for (QProcess* shell : shells) {
+    for (const auto& shell : shells) {
         ASSERT_TRUE(shell->waitForFinished(600000));
         EXPECT_EQ(shell->exitCode(), 0) << shell->readAllStandardError().constData();
-        delete shell;
     }
     ndp::CDatabase db;
     ASSERT_TRUE(db.Open(m_project, true));
@@ -280,19 +279,16 @@ TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
 }
 
 TEST_F(BxqFaultTest, NumbersPastAnyBuildingAndOutlinesThatAreNotOneRegionAreRefusedNamingTheText) {
-    const QString huge = QString(400, QLatin1Char('9'));
-    const QList<QPair<QStringList, QString>> cases{
-        {{"parse", "--json", "H" + huge + "*200*8*13"}, "dimension 9999"},
-        {{"parse", "TY400*7760*3e46*150*10"}, "section 'TY400*7760*3e46*150*10': dimension 3e46 is beyond 1000000 mm"},
-        {{"outline", "--section", "TY400*7760*3e46*150*10"}, "dimension 3e46 is beyond 1000000 mm"},
-        {{"outline", "0,0,1e200,50"}, "loop 1 of the outline reaches beyond 1000000 mm"},
-        {{"outline", "--json", "71,0,190,0,00,0;79,0,0,0;79,190,0,0;9,0,0,0;79,190,0,0;150,;0,200,0,0;0,190,0,0;71,190,0,0"},
-         "the outline text cannot be read: loop 1, record 6: '' is not a number"},
-        {{"outline", "--json", "0,0,0,0;10,10,0,0;10,0,0,0;0,10,0,0"}, "loop 1 of the outline crosses itself near"},
-    };
     writeCatalogue(m_catalogue);
-    for (const auto& verb : cases) {
-        SCOPED_TRACE(verb.first.join(' ').left(80).toStdString());
-        expectRefused(bxq(m_data.path(), verb.first), QString(), verb.second);
+    for (const auto& [verb, message] : QList<QPair<QStringList, QString>>{
+             {{"parse", "--json", "H" + QString(400, '9') + "*200*8*13"}, "dimension 9999"},
+             {{"parse", "TY400*7760*3e46*150*10"}, "section 'TY400*7760*3e46*150*10': dimension 3e46 is beyond 1000000 mm"},
+             {{"outline", "--section", "TY400*7760*3e46*150*10"}, "dimension 3e46 is beyond 1000000 mm"},
+             {{"outline", "0,0,1e200,50"}, "loop 1 of the outline reaches beyond 1000000 mm"},
+             {{"outline", "--json", "71,0,190,0,00,0;79,0,0,0;79,190,0,0;9,0,0,0;79,190,0,0;150,;0,200,0,0;0,190,0,0;71,190,0,0"},
+              "the outline text cannot be read: loop 1, record 6: '' is not a number"},
+             {{"outline", "--json", "0,0,0,0;10,10,0,0;10,0,0,0;0,10,0,0"}, "loop 1 of the outline crosses itself near"}}) {
+        SCOPED_TRACE(verb.join(' ').left(80).toStdString());
+        expectRefused(bxq(m_data.path(), verb), QString(), message);
     }
 }
