@@ -1,6 +1,10 @@
 // The data verbs of bxq as a user runs them: catalogue, wpm and apm, user-section and face-steel
 // on small databases made here, their refusals and exit statuses, and the same verbs on the
-// shipped databases when this tree generates them.
+// shipped databases. Then the same verbs under faults of their files, grouped by fault: a damaged
+// row, a flipped byte of the shipped catalogue, a file held by another program, no permission (as
+// an ordinary user), a full disk, many writers at once. A refused verb exits with 1, says in one
+// line what went wrong and names the file, prints nothing on standard output and leaves the file
+// byte for byte as it was, with no journal.
 #include "section_data/SKRProjectSchema.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
@@ -9,19 +13,23 @@
 #include "ndp/NDPDatabase.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/BxqProcess.h"
+#include "support/DamagedDatabase.h"
+#include "support/LockHolder.h"
+
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <array>
-
-#include "support/BxqProcess.h"
 
 using ndp::EnDBFieldKind;
 using skr::section::SKRHotRollingSection;
@@ -30,25 +38,36 @@ namespace {
 
 using bxqtest::BxqRun;
 
-BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QByteArray& input = {}) {
-    return bxqtest::runBxq(arguments, {dataDir, input, {}, false});
+BxqRun bxq(const QString& dataDir, const QStringList& arguments, const QByteArray& input = {},
+           const QStringList& environment = {}, bool ordinaryUser = false) {
+    return bxqtest::runBxq(arguments, {dataDir, input, QStringList{"BXQ_BUSY_TIMEOUT=300"} + environment, ordinaryUser});
 }
 
-QByteArray fileDigest(const QString& path) {
+QByteArray digest(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256) : "";
 }
 
 QString shortest(double value) { return QString::number(value, 'g', QLocale::FloatingPointShortest); }
 
-// A small catalogue in the shipped layout; params in the order h, b, d, t, r, r1, B, tw, c, D.
-void writeCatalogue(const QString& path) {
-    const struct {
-        int type, sub;
-        const wchar_t* name;
-        double weight, area;
-        std::vector<double> params;
-    } rows[] = {
+// What every refusal must show.
+void expectRefused(const BxqRun& run, const QString& file, const QString& reason = {}) {
+    const QString err = QString::fromUtf8(run.err);
+    EXPECT_EQ(run.exitCode, 1) << qPrintable(err);
+    EXPECT_TRUE(run.out.isEmpty()) << run.out.constData();
+    EXPECT_EQ(err.count('\n'), 1) << qPrintable(err);
+    EXPECT_TRUE(err.contains(file) && err.contains(reason)) << qPrintable(err);
+}
+
+void expectNoJournal(const QString& folder) {
+    EXPECT_TRUE(QDir(folder).entryList({"*-journal"}, QDir::Files | QDir::Hidden).isEmpty());
+}
+
+// A small catalogue in the shipped layout; params in the order h, b, d, t, r, r1, B, tw, c, D. The
+// h of the row named damaged is a long text that damageLongRow makes unreadable.
+void writeCatalogue(const QString& path, const std::wstring& damaged = {}) {
+    struct Row { int type, sub; const wchar_t* name; double weight, area; std::vector<double> params; };
+    const Row rows[] = {
         {1, 1, L"I20a", 27.929, 0.742, {200, 100, 7, 11.4, 9, 4.5, 0, 0, 0, 0}},
         {1, 1, L"I20b", 31.069, 0.746, {200, 102, 9, 11.4, 9, 4.5, 0, 0, 0, 0}},
         {2, 1, L"[20a", 22.637, 0.77, {200, 73, 7, 11, 11, 5.5, 0, 0, 0, 0}},
@@ -73,18 +92,19 @@ void writeCatalogue(const QString& path) {
         record->SetDouble(3, row.weight);
         record->SetDouble(4, row.area);
         for (size_t i = 0; i < row.params.size(); ++i) record->SetString(int(5 + i), shortest(row.params[i]).toStdWString());
+        if (row.name == damaged) record->SetString(5, bxqtest::longNumberText("200").toStdWString());
         ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
         record->Release();
     }
     ASSERT_TRUE(db.Flush());
+    if (!damaged.empty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
 }
 
 void writePlates(const QString& path) {
     ndp::CDatabase db;
     ASSERT_TRUE(db.Create(path));
-    ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
-                                                             {L"Thickness", EnDBFieldKind::Double},
-                                                             {L"Weight", EnDBFieldKind::Double}});
+    ndp::CDBTable* table = db.CreateTable(
+        L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true}, {L"Thickness", EnDBFieldKind::Double}, {L"Weight", EnDBFieldKind::Double}});
     ASSERT_NE(table, nullptr);
     for (const auto& row : {std::array<double, 3>{1, 20, 157}, {1, 4.5, 35.325}, {2, 0.5, 3.925}}) {
         ndp::CDBRecord* record = table->CreateRecord();
@@ -113,19 +133,53 @@ std::vector<SKRHotRollingSection> userSections(const QString& path) {
     return sections;
 }
 
+// A project of three user sections of type 9, subs 1 to 3; the one named damaged unreadable.
+void writeProject(const QString& path, const QString& damaged = {}) {
+    VMPProjectModel model;
+    ASSERT_TRUE(model.open(path));
+    ndp::CDBTable* table = model.getProjectDB()->GetTable(skr::section::schema::user_section::table);
+    for (int sub = 1; sub <= 3; ++sub) {
+        const QString name = QStringLiteral("Z%1(ZDY)").arg(sub);
+        ndp::CDBRecord* record = table->CreateRecord();
+        record->SetInt(0, 9);
+        record->SetInt(1, sub);
+        record->SetString(2, name.toStdWString());
+        record->SetDouble(3, 12.5);
+        record->SetDouble(4, 0.6);
+        record->SetString(5, ("h=" + (name == damaged ? bxqtest::longNumberText("270") : "270")).toStdWString());
+        ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
+        record->Release();
+    }
+    ASSERT_TRUE(model.save());
+    if (!damaged.isEmpty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
+}
+
+QStringList addArguments(const QString& project, const QString& name) {
+    return {"user-section", "add", name, "--project", project, "--type", "9", "--weight", "1", "--area", "1"};
+}
+
+// The verbs that change a project, each on a section the project of writeProject has.
+QList<QStringList> changeVerbs(const QString& project) {
+    return {addArguments(project, "Z9"), {"user-section", "update", "Z1", "--project", project, "--weight", "2"},
+            {"user-section", "remove", "--project", project, "--type", "9", "--sub", "1"}};
+}
+
 class BxqDataTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_data.isValid() && m_work.isValid());
-        writeCatalogue(m_data.filePath("SKRSectionPolyDB.KDB"));
+        writeCatalogue(m_catalogue);
         writePlates(m_data.filePath("SysInfo.KDB"));
     }
     BxqRun run(const QStringList& arguments, const QByteArray& input = {}) const { return bxq(m_data.path(), arguments, input); }
     QString text(const QStringList& arguments) const { return run(arguments).text(); }
 
     QTemporaryDir m_data, m_work;
+    const QString m_catalogue = m_data.filePath("SKRSectionPolyDB.KDB");
     const QString m_project = m_work.filePath("project.KDB");
 };
+
+class BxqFaultTest : public BxqDataTest {};
 
 }  // namespace
 
@@ -269,9 +323,8 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
         {"user-section", "remove", "--project", fresh, "--type", "9"},
     };
     for (const QStringList& arguments : cases) {
-        SCOPED_TRACE(arguments.join(' ').toStdString());
         const BxqRun result = run(arguments);
-        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.exitCode, 2) << qPrintable(arguments.join(' '));
         EXPECT_TRUE(result.out.isEmpty());
         EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
     }
@@ -282,13 +335,9 @@ TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
     QTemporaryDir empty;
     const QString catalogue = empty.filePath("SKRSectionPolyDB.KDB"), plates = empty.filePath("SysInfo.KDB");
     const QString project = m_work.filePath("broken.KDB");
-    const auto refused = [&](const QString& dataDir, const QStringList& arguments, const QString& file) {
+    const auto refused = [](const QString& dataDir, const QStringList& arguments, const QString& file) {
         SCOPED_TRACE(arguments.join(' ').toStdString());
-        const BxqRun result = bxq(dataDir, arguments);
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_TRUE(result.out.isEmpty());
-        EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
-        EXPECT_TRUE(QString::fromUtf8(result.err).contains(file)) << result.err.constData();
+        expectRefused(bxq(dataDir, arguments), file);
     };
     refused(empty.path(), {"wpm", "I20a"}, catalogue);
     refused(empty.path(), {"catalogue"}, catalogue);
@@ -308,13 +357,13 @@ TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
     refused(empty.path(), {"face-steel", "1", "20"}, plates);
 
     // A project that cannot be opened is named too, and left as it was.
-    const QByteArray before = fileDigest(project);
+    const QByteArray before = digest(project);
     for (const QStringList& arguments :
          {QStringList{"wpm", "--project", project, "I20a"}, QStringList{"user-section", "list", "--project", project},
           QStringList{"user-section", "add", "Z1", "--project", project, "--type", "9", "--weight", "1", "--area", "1"},
           QStringList{"parse", "--project", project, "I20a"}})
         refused(m_data.path(), arguments, project);
-    EXPECT_EQ(fileDigest(project), before);
+    EXPECT_EQ(digest(project), before);
     EXPECT_EQ(run({"wpm", "--project", m_work.filePath("none.KDB"), "I20a"}).exitCode, 1);
     EXPECT_FALSE(QFile::exists(m_work.filePath("none.KDB")));
 }
@@ -327,12 +376,9 @@ TEST_F(BxqDataTest, ParseTakesCatalogueDimensionsOnlyForNamesThatNeedThem) {
     // name is parsed without dimensions and the missing file is said once.
     QTemporaryDir empty;
     const BxqRun welded = bxq(empty.path(), {"parse", "--json", "H400*200*8*13", "D114*4"});
-    EXPECT_EQ(welded.exitCode, 0);
-    EXPECT_TRUE(welded.err.isEmpty()) << welded.err.constData();
-    EXPECT_EQ(welded.lines().size(), 2);
+    EXPECT_TRUE(welded.exitCode == 0 && welded.lines().size() == 2 && welded.err.isEmpty()) << welded.err.constData();
     const BxqRun names = bxq(empty.path(), {"parse", "--json", "I20a", "[20a", "I20b"});
-    EXPECT_EQ(names.exitCode, 0);
-    EXPECT_EQ(names.lines().size(), 3);
+    EXPECT_TRUE(names.exitCode == 0 && names.lines().size() == 3);
     EXPECT_EQ(names.err.count('\n'), 1);
     EXPECT_TRUE(QString::fromUtf8(names.err).contains(empty.filePath("SKRSectionPolyDB.KDB")));
     EXPECT_TRUE(QJsonDocument::fromJson(names.out.split('\n').value(0)).object().value("params").toArray().isEmpty());
@@ -368,21 +414,175 @@ TEST(BxqShippedDatabases, PrintTheCatalogueFigures) {
     ndp::CFileAddressList all;
     ASSERT_TRUE(db.GetTable(L"SectionPolyInfor")->ListAll(all));
     EXPECT_EQ(QJsonDocument::fromJson(bxq(dataDir, {"catalogue", "--json"}).out).array().size(), all.GetCount());
-    // The first hot-rolled plate of 20 mm, as the quantity query takes it.
-    ndp::CDatabase system;
-    ASSERT_TRUE(system.Open(dataDir + "/SysInfo.KDB", true)) << qPrintable(system.GetLastError());
-    ndp::CDBTable* plates = system.GetTable(L"FaceSteelInfo");
-    ASSERT_NE(plates, nullptr);
-    ndp::CFileAddressList rows;
-    ASSERT_TRUE(plates->ListAll(rows));
-    QString plateWeight;
-    for (int i = 0; i < rows.GetCount() && plateWeight.isEmpty(); ++i) {
-        ndp::CDBRecord* row = plates->GetRecord(rows.GetItem(i));
-        if (row->GetInt(plates->FindField(L"Class")) == 1 && row->GetDouble(plates->FindField(L"Thickness")) == 20.0)
-            plateWeight = shortest(row->GetDouble(plates->FindField(L"Weight")));
-        row->Release();
-    }
-    ASSERT_FALSE(plateWeight.isEmpty());
-    EXPECT_EQ(bxq(dataDir, {"face-steel", "热轧钢板", "20"}).text(), plateWeight + '\n');
 #endif
+}
+
+TEST_F(BxqFaultTest, ADamagedRowIsAnErrorForEveryVerbThatReadsIt) {
+    ASSERT_TRUE(QFile::remove(m_catalogue));
+    writeCatalogue(m_catalogue, L"I20a");
+    writeProject(m_project, "Z2(ZDY)");
+    const QByteArray catalogueBefore = digest(m_catalogue), projectBefore = digest(m_project);
+    for (const auto& [verb, file] : QList<QPair<QStringList, QString>>{
+             {{"catalogue"}, m_catalogue},
+             {{"catalogue", "--type", "1", "--json"}, m_catalogue},
+             {{"wpm", "I20a"}, m_catalogue},
+             {{"apm", "I20a"}, m_catalogue},
+             {{"parse", "--json", "I20a"}, m_catalogue},
+             {{"user-section", "list", "--project", m_project}, m_project},
+             {{"wpm", "--project", m_project, "Z2(ZDY)"}, m_project}}) {
+        SCOPED_TRACE(verb.join(' ').toStdString());
+        expectRefused(bxq(m_data.path(), verb), file, "malformed");
+    }
+    // Rows that are sound still answer.
+    EXPECT_EQ(bxq(m_data.path(), {"wpm", "I20b", "--project", m_project, "Z1(ZDY)"}).out, "31.069\n12.5\n");
+    EXPECT_EQ(digest(m_catalogue), catalogueBefore);
+    EXPECT_EQ(digest(m_project), projectBefore);
+}
+
+// With one byte of the shipped catalogue flipped, `catalogue` and `wpm` either print exactly what
+// the intact file gives or refuse naming the file.
+TEST(DamagedCatalogue, AFlippedByteIsRefusedOrChangesNothing) {
+#if !BXQ_SHIPPED_DATABASES
+    GTEST_SKIP() << "this tree generates no databases";
+#else
+    const QString shipped = QStringLiteral(BXQ_SHIPPED_DATA_DIR);
+    QFile original(shipped + "/SKRSectionPolyDB.KDB");
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    const QByteArray bytes = original.readAll();
+    ASSERT_GT(bytes.size(), 4096);
+    const QStringList verbs[] = {{"catalogue", "--json"}, {"wpm", "I20a", "HN400*200*8*13", "L100*80*10"}};
+    BxqRun intact[2];
+    for (int v = 0; v < 2; ++v) {
+        intact[v] = bxq(shipped, verbs[v]);
+        ASSERT_EQ(intact[v].exitCode, 0) << intact[v].err.constData();
+    }
+    int refused = 0;
+    const int positions = 48;  // spread over every page, past SQLite's own header checks
+    for (int i = 0; i < positions; ++i) {
+        const int at = 100 + static_cast<int>((static_cast<qint64>(bytes.size() - 101) * i) / positions);
+        QTemporaryDir dir;
+        QByteArray damaged = bytes;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0x10);
+        QFile copy(dir.filePath("SKRSectionPolyDB.KDB"));
+        ASSERT_TRUE(copy.open(QIODevice::WriteOnly) && copy.write(damaged) == damaged.size());
+        copy.close();
+        QFile::copy(shipped + "/SysInfo.KDB", dir.filePath("SysInfo.KDB"));
+        for (int v = 0; v < 2; ++v) {
+            SCOPED_TRACE(QString("byte %1, %2").arg(at).arg(verbs[v].join(' ')).toStdString());
+            const BxqRun run = bxq(dir.path(), verbs[v]);
+            if (run.exitCode == 0) {
+                EXPECT_EQ(run.out, intact[v].out);
+            } else {
+                ++refused;
+                expectRefused(run, "SKRSectionPolyDB.KDB");
+            }
+        }
+    }
+    // Flips in a page's unused space change nothing; the rest are content and must be noticed.
+    EXPECT_GE(refused, positions);
+#endif
+}
+
+TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
+    writeProject(m_project);
+    const QByteArray before = digest(m_project);
+    {
+        // Writing (the host's write transaction, another bxq): reading goes on, changes wait.
+        const bxqtest::LockHolder holder(m_project, "BEGIN IMMEDIATE");
+        for (const QStringList& verb : changeVerbs(m_project)) {
+            SCOPED_TRACE(verb.join(' ').toStdString());
+            const BxqRun run = bxq(m_data.path(), verb);
+            expectRefused(run, m_project, "busy");
+            EXPECT_TRUE(run.err.contains("sqlite3 (process")) << run.err.constData();
+        }
+        EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}).exitCode, 0);
+    }
+    {
+        const bxqtest::LockHolder holder(m_project, "BEGIN EXCLUSIVE");
+        for (const QStringList& verb : changeVerbs(m_project) + QList<QStringList>{{"user-section", "list", "--project", m_project}}) {
+            SCOPED_TRACE(verb.join(' ').toStdString());
+            expectRefused(bxq(m_data.path(), verb), m_project, "busy");
+        }
+    }
+    EXPECT_EQ(digest(m_project), before);
+    expectNoJournal(m_work.path());
+}
+
+TEST_F(BxqFaultTest, AChangeWithoutWritePermissionSaysSo) {
+    writeProject(m_project);
+    const QByteArray before = digest(m_project);
+    const QFile::Permissions readable = QFile::ReadOwner | QFile::ReadOther, all = readable | QFile::WriteOwner |
+                                        QFile::WriteOther, folder = QFile::ExeOwner | QFile::ExeOther;
+    QFile::setPermissions(m_data.path(), readable | folder);
+    const struct {
+        QFile::Permissions folder, file;
+        const char* reason;
+    } cases[] = {{all | folder, readable, "no permission to write the file"},
+                 {readable | folder, all, "no permission to write in its folder"}};
+    for (const auto& fault : cases) {
+        SCOPED_TRACE(fault.reason);
+        QFile::setPermissions(m_project, fault.file);
+        QFile::setPermissions(m_work.path(), fault.folder);
+        for (const QStringList& verb : changeVerbs(m_project)) {
+            SCOPED_TRACE(verb.join(' ').toStdString());
+            expectRefused(bxq(m_data.path(), verb, {}, {}, true), m_project, fault.reason);
+        }
+        // Reading needs no write permission.
+        EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}, {}, {}, true).out.count('\n'), 3);
+        QFile::setPermissions(m_work.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        EXPECT_EQ(digest(m_project), before);
+        expectNoJournal(m_work.path());
+    }
+}
+
+TEST_F(BxqFaultTest, AFullDiskLeavesNoProjectBehindAndAnExistingOneAsItWas) {
+    const QStringList full{QStringLiteral("LD_PRELOAD=" BXQ_NOSPACE_SHIM), "ASAN_OPTIONS=verify_asan_link_order=0"};
+    const QString fresh = m_work.filePath("fresh.KDB");
+    expectRefused(bxq(m_data.path(), addArguments(fresh, "Z1"), {}, full), fresh, "full");
+    EXPECT_TRUE(QDir(m_work.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
+    // With space again the project is made as if never tried.
+    EXPECT_EQ(bxq(m_data.path(), addArguments(fresh, "Z1")).exitCode, 0);
+
+    writeProject(m_project);
+    const QByteArray before = digest(m_project);
+    for (const QStringList& verb : changeVerbs(m_project)) {
+        SCOPED_TRACE(verb.join(' ').toStdString());
+        expectRefused(bxq(m_data.path(), verb, {}, full), m_project, "full");
+    }
+    EXPECT_EQ(digest(m_project), before);
+    expectNoJournal(m_work.path());
+}
+
+TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
+    // Each writer a shell adding its sections one bxq at a time, counting the refusals; the
+    // project does not exist yet, so the first ones race to create it too.
+    const int writers = 8, adds = 50;
+    std::vector<std::unique_ptr<QProcess>> shells;
+    for (int writer = 1; writer <= writers; ++writer) {
+        shells.push_back(std::make_unique<QProcess>());
+        shells.back()->start("sh", {"-c", QStringLiteral("failed=0; for i in $(seq 1 %1); do \"%2\" user-section add "
+                                                         "\"Z%3*$i\" --project \"%4\" --type 9 --weight 1 --area 1 "
+                                                         ">/dev/null || failed=$((failed+1)); done; exit $failed")
+                                              .arg(adds).arg(BXQ_BINARY).arg(writer).arg(m_project)});
+    }
+    for (const auto& shell : shells) {
+        ASSERT_TRUE(shell->waitForFinished(600000));
+        EXPECT_EQ(shell->exitCode(), 0) << shell->readAllStandardError().constData();
+    }
+    ndp::CDatabase db;
+    ASSERT_TRUE(db.Open(m_project, true));
+    ndp::CDBTable* table = db.GetTable(skr::section::schema::user_section::table);
+    ndp::CFileAddressList rows;
+    ASSERT_TRUE(table->ListAll(rows));
+    EXPECT_EQ(rows.GetCount(), writers * adds);
+    QSet<int> subs;
+    QSet<QString> names;
+    for (int i = 0; i < rows.GetCount(); ++i) {
+        ndp::CDBRecord* record = table->GetRecord(rows.GetItem(i));
+        subs.insert(record->GetInt(1));
+        names.insert(QString::fromStdWString(record->GetString(2)));
+        record->Release();
+    }
+    EXPECT_EQ(subs.size(), writers * adds);
+    EXPECT_EQ(names.size(), writers * adds);
 }
