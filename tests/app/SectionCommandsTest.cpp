@@ -95,21 +95,12 @@ const double kWeldedHArea = 2 * 200 * 13 + (400 - 26) * 8;  // H400*200*8*13, mm
 // What a fillet of radius r turning the outline through theta adds or takes off.
 double filletArea(double r, double theta) { return r * r * (std::tan(theta / 2) - theta / 2); }
 
-struct Expected {
-    size_t line;
-    const char* path;
-    QJsonValue value;
-};
+struct Expected { size_t line; const char* path; QJsonValue value; };
 
 }  // namespace
 
 TEST(ParseCommand, JsonLinesCarryTheRecordTheNormCheckAndTheWeldBall) {
-    const struct {
-        QStringList arguments;
-        QByteArray input;
-        size_t lines;
-        std::vector<Expected> expected;
-    } runs[] = {
+    const struct { QStringList arguments; QByteArray input; size_t lines; std::vector<Expected> expected; } runs[] = {
         {{"H400*200*8*13", "H20*200*8*13"}, {}, 2,
          {{0, "text", "H400*200*8*13"}, {0, "sectionType", 11}, {0, "groupType", 2}, {0, "paramCount", 5},
           {0, "params", QJsonArray{400, 200, 8, 13, 13}}, {0, "norm/valid", true}, {0, "norm/matched", true},
@@ -159,12 +150,14 @@ TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSections) {
     const double turn = M_PI / 2 - std::atan(1.0 / 6);  // the 1:6 flange slope of GB I-beams
     // I20a: h 200, b 100, d 7, t 11.4, r 9, r1 4.5 in the catalogue.
     const double i20a = 200 * 7 + 2 * 11.4 * 93 + 4 * filletArea(9, turn) - 4 * filletArea(4.5, turn);
-    const struct {
+    // Figures as name, value, tolerance.
+    struct Case {
         QStringList arguments;
-        std::vector<std::tuple<const char*, double, double>> figures;  // name, value, tolerance
+        std::vector<std::tuple<const char*, double, double>> figures;
         QVector<double> bbox, centroid;
         double centroidTolerance;
-    } cases[] = {
+    };
+    const Case cases[] = {
         {{"0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"},
          {{"area", 5000, 0}, {"perimeter", 300, 0}, {"ix", 100 * std::pow(50, 3) / 12, 1e-6},
           {"iy", 50 * std::pow(100, 3) / 12, 1e-6}},
@@ -223,10 +216,7 @@ TEST(OutlineCommand, ThePictureHasTrueArcsFilledWithHolesCut) {
 // A row of a published table (GB/T 706, GB/T 11263, GB/T 6728), cm units; ix, iy to three
 // figures, the others to three or four.
 TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTables) {
-    const struct {
-        const char* section;
-        double a, ix, iy, rx, ry, wx, wy;
-    } published[] = {
+    const struct { const char* section; double a, ix, iy, rx, ry, wx, wy; } published[] = {
         {"I10", 14.345, 245, 33.0, 4.14, 1.52, 49.0, 9.72},
         {"I14", 21.516, 712, 64.4, 5.76, 1.73, 102, 16.1},
         {"I20a", 35.578, 2370, 158, 8.15, 2.12, 237, 31.5},
@@ -290,12 +280,7 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
     const QByteArray before = contents(project);
     const char* square = "0,0,0,0;1,0,0,0;1,1,0,0";
     const QStringList length{"H400*200*8*13", "--length", "100"}, toOrigin{"--origin", "0,0,0", "--normal", "0,0,1"};
-    const struct {
-        QStringList arguments;
-        int exitCode;
-        QString message;
-        QString dataDir = BXQ_SHIPPED_DATA_DIR;
-    } cases[] = {
+    const struct { QStringList arguments; int exitCode; QString message; QString dataDir = BXQ_SHIPPED_DATA_DIR; } cases[] = {
         {{"parse"}, 2, "parse needs at least one TEXT"},
         {{"parse", "--bogus", "H1"}, 2, "bogus"},
         {{"frobnicate"}, 2, "unknown verb 'frobnicate'"},
@@ -520,13 +505,9 @@ TEST(BxqMember, ProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
         SCOPED_TRACE(verb.join(' ').toStdString());
         expectRefused(bxq(verb), 1, "damaged.KDB");
     }
-    const struct {
-        const char* name;
-        QByteArray content;  // empty with folder: a folder in the file's place
-        bool folder;
-    } faults[] = {{"truncated.KDB", bytes.left(bytes.size() / 2), false},
-                  {"garbage.KDB", QByteArray(8192, '\x5a'), false},
-                  {"folder.KDB", QByteArray(), true}};
+    // A folder in the file's place has no content.
+    const struct { const char* name; QByteArray content; bool folder; } faults[] = {
+        {"truncated.KDB", bytes.left(bytes.size() / 2), false}, {"garbage.KDB", QByteArray(8192, '\x5a'), false}, {"folder.KDB", {}, true}};
     for (const auto& fault : faults) {
         const QString path = dir.filePath(fault.name);
         if (fault.folder) {
