@@ -133,6 +133,14 @@ std::vector<SKRHotRollingSection> userSections(const QString& path) {
     return sections;
 }
 
+// A stored section as one line: type/sub, name, kg/m, m2/m and the params, every number exact.
+QString described(const SKRHotRollingSection& s) {
+    QString text = QStringLiteral("%1/%2 %3 ").arg(s.sectionType).arg(s.subId).arg(QString::fromStdWString(s.standardName));
+    text += shortest(s.weightMeter) + ' ' + shortest(s.area);
+    for (const auto& [name, value] : s.params) text += ' ' + QString::fromStdWString(name) + '=' + shortest(value);
+    return text;
+}
+
 // A project of three user sections of type 9, subs 1 to 3; the one named damaged unreadable.
 void writeProject(const QString& path, const QString& damaged = {}) {
     VMPProjectModel model;
@@ -247,13 +255,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     EXPECT_TRUE(added.text().startsWith("Z270*80*8*3(ZDY)")) << added.out.constData();
     auto stored = userSections(m_project);
     ASSERT_EQ(stored.size(), 1u);
-    const std::vector<std::pair<std::wstring, double>> params{{L"h", 270}, {L"b", 80}};
-    EXPECT_EQ(stored[0].standardName, L"Z270*80*8*3(ZDY)");  // blanks gone, the mark appended
-    EXPECT_EQ(stored[0].sectionType, 9);
-    EXPECT_EQ(stored[0].subId, 1);
-    EXPECT_EQ(stored[0].weightMeter, 12.5);
-    EXPECT_EQ(stored[0].area, 0.6);
-    EXPECT_EQ(stored[0].params, params);
+    EXPECT_EQ(described(stored[0]), "9/1 Z270*80*8*3(ZDY) 12.5 0.6 h=270 b=80");  // blanks gone, the mark appended
 
     // The next section of the same type takes the next sub number unless one is given.
     ASSERT_EQ(run(QStringList{"user-section", "add", "Z300*80*8*3(ZDY)"} + project +
@@ -277,11 +279,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
 
     // Update changes the figures given, nothing else; the name may be typed without the mark.
     ASSERT_EQ(run(QStringList{"user-section", "update", "Z270*80*8*3", "--weight", "13"} + project).exitCode, 0);
-    stored = userSections(m_project);
-    EXPECT_EQ(stored[0].weightMeter, 13.0);
-    EXPECT_EQ(stored[0].area, 0.6);
-    EXPECT_EQ(stored[0].sectionType, 9);
-    EXPECT_EQ(stored[0].params, params);
+    EXPECT_EQ(described(userSections(m_project).at(0)), "9/1 Z270*80*8*3(ZDY) 13 0.6 h=270 b=80");
     EXPECT_EQ(text(QStringList{"wpm", "Z270*80*8*3(ZDY)"} + project), "13\n");
     const BxqRun unknown = run(QStringList{"user-section", "update", "Z1", "--area", "1"} + project);
     EXPECT_EQ(unknown.exitCode, 1);

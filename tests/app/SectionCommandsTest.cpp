@@ -362,65 +362,56 @@ TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSections) {
     EXPECT_NEAR(box[5], 6000, 1e-6);
 }
 
-TEST(BxqMember, CuttingPlanesOfTheElementTrimItsSolid) {
-    QTemporaryDir dir;
-    const QString project = dir.filePath("cuts.KDB");
-    const double full = kWeldedHArea * 6000;
-    const QStringList beam{"H400*200*8*13", "--length", "6000", "--project", project, "--id"};
-    // Two stored members; the second gets the planes.
-    addBeam(project);
-    addBeam(project, "0,5000,0", "6000,5000,0");
-    ASSERT_EQ(addPlane(project, "2", "--head", "0,0,1000", "0,0,1").exitCode, 0);
-    // No plane on member 1: the whole member; member 2: a head cut 1000 in.
-    EXPECT_NEAR(member(beam + QStringList{"1"}).value("volume").toDouble(), full, 1e-6 * full);
-    EXPECT_NEAR(member(beam + QStringList{"2"}).value("volume").toDouble(), full * 5 / 6, 1e-6 * full);
-    // Then a tail cut 1000 back from the end.
-    const BxqRun tail = addPlane(project, "2", "--tail", "0,0,-1000", "0,0,-1");
-    ASSERT_EQ(tail.exitCode, 0) << tail.err.constData();
-    EXPECT_EQ(tail.out, "added cutting plane to member 2 (tail), id 2\n");
-    const QJsonObject cut = member(beam + QStringList{"2", "--step", dir.filePath("m.step"), "--stl", dir.filePath("m.stl")});
-    EXPECT_NEAR(cut.value("volume").toDouble(), full * 4 / 6, 1e-6 * full);
-    EXPECT_NEAR(numbers(cut.value("bbox")).value(2), 1000, 1e-6);
-    EXPECT_NEAR(numbers(cut.value("bbox")).value(5), 5000, 1e-6);
-
-    // The exports exist: STEP text and a binary STL of 84 + 50 bytes per triangle.
-    EXPECT_TRUE(contents(dir.filePath("m.step")).startsWith("ISO-10303-21;"));
-    const QByteArray stl = contents(dir.filePath("m.stl"));
-    ASSERT_GT(stl.size(), 84);
-    const quint32 triangles = *reinterpret_cast<const quint32*>(stl.constData() + 80);
-    EXPECT_GT(triangles, 0u);
-    EXPECT_EQ(stl.size(), 84 + 50 * static_cast<int>(triangles));
-}
-
-TEST(BxqMember, StoredMembersAndTheirPlanesAreAddedListedMovedAndRemoved) {
+TEST(BxqMember, StoredMembersAreTrimmedByTheirOwnPlanesListedMovedExportedAndRemoved) {
     QTemporaryDir dir;
     const QString project = dir.filePath("model.KDB");
+    const double full = kWeldedHArea * 6000;
     const BxqRun added = bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0",
                               "--to", "6000,0,0"});
     ASSERT_EQ(added.exitCode, 0) << added.err.constData();
     EXPECT_TRUE(added.out.endsWith(" 1\n")) << added.out.constData();
     ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "I20a", "--from", "0,3000,0", "--to",
                    "0,3000,4000", "--roll", "90"}).exitCode, 0);
-    ASSERT_EQ(addPlane(project, "1", "--tail", "0,0,-1000", "0,0,-1").exitCode, 0);
+    // A head cut 1000 in trims member 1 only.
+    ASSERT_EQ(addPlane(project, "1", "--head", "0,0,1000", "0,0,1").exitCode, 0);
+    const QStringList beam{"H400*200*8*13", "--length", "6000", "--project", project, "--id", "1"};
+    EXPECT_NEAR(member(beam).value("volume").toDouble(), full * 5 / 6, 1e-6 * full);
+    const double rolled = member({"I20a", "--length", "4000"}).value("volume").toDouble();
+    EXPECT_NEAR(member({"I20a", "--length", "4000", "--project", project, "--id", "2"}).value("volume").toDouble(), rolled, 1e-6 * rolled);
+    // Then a tail cut 1000 back from the end; the solid exported as STEP text and a binary STL of
+    // 84 + 50 bytes per triangle.
+    const BxqRun tail = addPlane(project, "1", "--tail", "0,0,-1000", "0,0,-1");
+    ASSERT_EQ(tail.exitCode, 0) << tail.err.constData();
+    EXPECT_EQ(tail.out, "added cutting plane to member 1 (tail), id 2\n");
+    const QJsonObject cut = member(beam + QStringList{"--step", dir.filePath("m.step"), "--stl", dir.filePath("m.stl")});
+    EXPECT_NEAR(cut.value("volume").toDouble(), full * 4 / 6, 1e-6 * full);
+    EXPECT_NEAR(numbers(cut.value("bbox")).value(2), 1000, 1e-6);
+    EXPECT_NEAR(numbers(cut.value("bbox")).value(5), 5000, 1e-6);
+    EXPECT_TRUE(contents(dir.filePath("m.step")).startsWith("ISO-10303-21;"));
+    const QByteArray stl = contents(dir.filePath("m.stl"));
+    ASSERT_GT(stl.size(), 84);
+    const quint32 triangles = *reinterpret_cast<const quint32*>(stl.constData() + 80);
+    EXPECT_GT(triangles, 0u);
+    EXPECT_EQ(stl.size(), 84 + 50 * static_cast<int>(triangles));
 
-    // The list weighs each member after its cuts: the welded H is 5/6 of its plate area x 6 m.
+    // The list weighs each member after its cuts.
     const QStringList list{"member", "list", "--project", project, "--json"};
     const QJsonArray members = json(list).array();
     ASSERT_EQ(members.size(), 2);
-    EXPECT_NEAR(members[0].toObject().value("weight").toDouble(), kWeldedHArea * 5000 * 7.85e-6, 1e-6);
+    EXPECT_NEAR(members[0].toObject().value("weight").toDouble(), kWeldedHArea * 4000 * 7.85e-6, 1e-6);
     EXPECT_EQ(members[0].toObject().value("length").toDouble(), 6000);
     EXPECT_EQ(members[1].toObject().value("section").toString(), "I20a");
     EXPECT_EQ(members[1].toObject().value("roll").toDouble(), 90);
     EXPECT_NEAR(members[1].toObject().value("weight").toDouble(), 4 * 27.9, 0.02 * 4 * 27.9);
 
-    // Moving the plane 500 further along its normal (towards the head) shortens the member.
-    ASSERT_EQ(bxq({"cut-plane", "move", "--project", project, "1", "--by", "500"}).exitCode, 0);
+    // Moving the tail plane 500 further along its normal (towards the head) shortens the member.
+    ASSERT_EQ(bxq({"cut-plane", "move", "--project", project, "2", "--by", "500"}).exitCode, 0);
     const QJsonArray planes = json({"cut-plane", "list", "--project", project, "--id", "1", "--json"}).array();
-    ASSERT_EQ(planes.size(), 1);
-    EXPECT_EQ(planes[0].toObject().value("end").toString(), "tail");
-    EXPECT_EQ(numbers(planes[0].toObject().value("origin")), (QVector<double>{0, 0, -1500}));
-    EXPECT_EQ(planes[0].toObject().value("offset").toDouble(), 500);
-    EXPECT_NEAR(json(list).array()[0].toObject().value("weight").toDouble(), kWeldedHArea * 4500 * 7.85e-6, 1e-6);
+    ASSERT_EQ(planes.size(), 2);
+    EXPECT_EQ(planes[1].toObject().value("end").toString(), "tail");
+    EXPECT_EQ(numbers(planes[1].toObject().value("origin")), (QVector<double>{0, 0, -1500}));
+    EXPECT_EQ(planes[1].toObject().value("offset").toDouble(), 500);
+    EXPECT_NEAR(json(list).array()[0].toObject().value("weight").toDouble(), kWeldedHArea * 3500 * 7.85e-6, 1e-6);
 
     // Removing a member takes its planes with it.
     ASSERT_EQ(bxq({"member", "remove", "--project", project, "1"}).exitCode, 0);
