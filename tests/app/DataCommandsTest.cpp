@@ -30,6 +30,7 @@
 #include <QTemporaryDir>
 
 #include <array>
+#include <optional>
 
 using ndp::EnDBFieldKind;
 using skr::section::SKRHotRollingSection;
@@ -466,56 +467,9 @@ TEST_F(BxqFaultTest, ADamagedRowIsAnErrorForEveryVerbThatReadsIt) {
     EXPECT_EQ(digest(m_project), projectBefore);
 }
 
-TEST_F(BxqFaultTest, AProjectHeldByAnotherProgramIsBusyAndItsHolderNamed) {
-    writeProject(m_project);
-    const QByteArray before = digest(m_project);
-    {
-        // Writing (the host's write transaction, another bxq): reading goes on, changes wait.
-        const bxqtest::LockHolder holder(m_project, "BEGIN IMMEDIATE");
-        for (const QStringList& verb : changeVerbs(m_project)) {
-            SCOPED_TRACE(verb.join(' ').toStdString());
-            const BxqRun run = bxq(m_data.path(), verb);
-            expectRefused(run, m_project, "busy");
-            EXPECT_TRUE(run.err.contains("sqlite3 (process")) << run.err.constData();
-        }
-        EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}).exitCode, 0);
-    }
-    {
-        const bxqtest::LockHolder holder(m_project, "BEGIN EXCLUSIVE");
-        for (const QStringList& verb : changeVerbs(m_project) + QList<QStringList>{{"user-section", "list", "--project", m_project}}) {
-            SCOPED_TRACE(verb.join(' ').toStdString());
-            expectRefused(bxq(m_data.path(), verb), m_project, "busy");
-        }
-    }
-    EXPECT_EQ(digest(m_project), before);
-    expectNoJournal(m_work.path());
-}
-
-TEST_F(BxqFaultTest, AChangeWithoutWritePermissionSaysSo) {
-    writeProject(m_project);
-    const QByteArray before = digest(m_project);
-    const QFile::Permissions readable = QFile::ReadOwner | QFile::ReadOther, all = readable | QFile::WriteOwner |
-                                        QFile::WriteOther, folder = QFile::ExeOwner | QFile::ExeOther;
-    QFile::setPermissions(m_data.path(), readable | folder);
-    const struct { QFile::Permissions folder, file; const char* reason; } cases[] = {
-        {all | folder, readable, "no permission to write the file"}, {readable | folder, all, "no permission to write in its folder"}};
-    for (const auto& fault : cases) {
-        SCOPED_TRACE(fault.reason);
-        QFile::setPermissions(m_project, fault.file);
-        QFile::setPermissions(m_work.path(), fault.folder);
-        for (const QStringList& verb : changeVerbs(m_project)) {
-            SCOPED_TRACE(verb.join(' ').toStdString());
-            expectRefused(bxq(m_data.path(), verb, {}, {}, true), m_project, fault.reason);
-        }
-        // Reading needs no write permission.
-        EXPECT_EQ(bxq(m_data.path(), {"user-section", "list", "--project", m_project}, {}, {}, true).out.count('\n'), 3);
-        QFile::setPermissions(m_work.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        EXPECT_EQ(digest(m_project), before);
-        expectNoJournal(m_work.path());
-    }
-}
-
-TEST_F(BxqFaultTest, AFullDiskLeavesNoProjectBehindAndAnExistingOneAsItWas) {
+// A project held by another program (its write transaction: reading goes on, changes wait; every
+// lock: reading waits too), without write permission (as an ordinary user), or on a full disk.
+TEST_F(BxqFaultTest, AChangeThatCannotBeWrittenSaysWhyAndLeavesTheProjectAsItWas) {
     const QStringList full{QStringLiteral("LD_PRELOAD=" BXQ_NOSPACE_SHIM), "ASAN_OPTIONS=verify_asan_link_order=0"};
     const QString fresh = m_work.filePath("fresh.KDB");
     expectRefused(bxq(m_data.path(), addArguments(fresh, "Z1"), {}, full), fresh, "full");
@@ -525,12 +479,46 @@ TEST_F(BxqFaultTest, AFullDiskLeavesNoProjectBehindAndAnExistingOneAsItWas) {
 
     writeProject(m_project);
     const QByteArray before = digest(m_project);
-    for (const QStringList& verb : changeVerbs(m_project)) {
-        SCOPED_TRACE(verb.join(' ').toStdString());
-        expectRefused(bxq(m_data.path(), verb, {}, full), m_project, "full");
+    const QFile::Permissions readable = QFile::ReadOwner | QFile::ReadOther, all = readable | QFile::WriteOwner |
+                                        QFile::WriteOther, folder = all | QFile::ExeOwner | QFile::ExeOther;
+    QFile::setPermissions(m_data.path(), readable | QFile::ExeOwner | QFile::ExeOther);
+    const struct {
+        const char* lock;
+        QFile::Permissions folder, file;
+        QStringList environment;
+        bool ordinaryUser, reads;
+        const char* reason;
+    } faults[] = {
+        {"BEGIN IMMEDIATE", folder, all, {}, false, true, "busy"},
+        {"BEGIN EXCLUSIVE", folder, all, {}, false, false, "busy"},
+        {nullptr, folder, readable, {}, true, true, "no permission to write the file"},
+        {nullptr, readable | QFile::ExeOwner | QFile::ExeOther, all, {}, true, true, "no permission to write in its folder"},
+        {nullptr, folder, all, full, false, true, "full"},
+    };
+    for (const auto& fault : faults) {
+        SCOPED_TRACE(fault.reason);
+        QFile::setPermissions(m_project, fault.file);
+        QFile::setPermissions(m_work.path(), fault.folder);
+        std::optional<bxqtest::LockHolder> holder;
+        if (fault.lock) holder.emplace(m_project, fault.lock);
+        for (const QStringList& verb : changeVerbs(m_project)) {
+            SCOPED_TRACE(verb.join(' ').toStdString());
+            const BxqRun run = bxq(m_data.path(), verb, {}, fault.environment, fault.ordinaryUser);
+            expectRefused(run, m_project, fault.reason);
+            if (fault.lock) { EXPECT_TRUE(run.err.contains("sqlite3 (process")) << run.err.constData(); }
+        }
+        const BxqRun read = bxq(m_data.path(), {"user-section", "list", "--project", m_project}, {}, fault.environment,
+                                fault.ordinaryUser);
+        if (fault.reads) {
+            EXPECT_EQ(read.out.count('\n'), 3) << read.err.constData();
+        } else {
+            expectRefused(read, m_project, "busy");
+        }
+        holder.reset();
+        QFile::setPermissions(m_work.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        EXPECT_EQ(digest(m_project), before);
+        expectNoJournal(m_work.path());
     }
-    EXPECT_EQ(digest(m_project), before);
-    expectNoJournal(m_work.path());
 }
 
 TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {

@@ -73,6 +73,11 @@ protected:
         for (int c = 0; c < table->columnCount(); ++c) cells << (table->item(r, c) ? table->item(r, c)->text() : QString());
         return cells;
     }
+    static QStringList texts(const QList<QAction*>& actions) {
+        QStringList out;
+        for (QAction* action : actions) out << action->text();
+        return out;
+    }
     void showWindow(QWidget& window) {
         window.resize(1280, 760);
         window.show();
@@ -309,9 +314,7 @@ TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
 
 TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenuInEitherLanguage) {
     QMenu* projectMenu = m_window->menuBar()->actions().first()->menu();
-    QStringList items;
-    for (QAction* item : projectMenu->actions()) items << item->text();
-    ASSERT_TRUE(items.contains(QStringLiteral("导出 IFC..."))) << items.join(',').toStdString();
+    ASSERT_TRUE(texts(projectMenu->actions()).contains(QStringLiteral("导出 IFC..."))) << texts(projectMenu->actions()).join(',').toStdString();
     projectMenu->popup(m_window->mapToGlobal(QPoint(0, 0)));
     EXPECT_TRUE(saveScreen(*projectMenu, QStringLiteral("bxq_project_menu")));
     projectMenu->hide();
@@ -328,13 +331,10 @@ TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenuInEitherLanguage) {
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     bxq::BXQMainWindow english;
     ASSERT_TRUE(english.openProject(m_dir.filePath("p.KDB"), &error)) << error.toStdString();
-    QStringList menus;
-    for (QAction* action : english.menuBar()->actions()) menus << action->text();
+    const QStringList menus = texts(english.menuBar()->actions());
     EXPECT_TRUE(menus.contains("Model") && menus.contains("View")) << menus.join(',').toStdString();
     QMenu* project = english.menuBar()->actions().first()->menu();
-    items.clear();
-    for (QAction* action : project->actions()) items << action->text();
-    EXPECT_TRUE(items.contains("Export IFC...")) << items.join(',').toStdString();
+    EXPECT_TRUE(texts(project->actions()).contains("Export IFC...")) << texts(project->actions()).join(',').toStdString();
     project->popup(english.mapToGlobal(QPoint(0, 0)));
     EXPECT_TRUE(saveScreen(*project, QStringLiteral("bxq_project_menu_en")));
     project->hide();
