@@ -231,9 +231,9 @@ TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTables) {
         {"HN400*200*8*13", 83.37, 23500, 1740, 16.8, 4.56, 1170, 174},
         {"D114*4", 13.82, 209.35, 209.35, 3.89, 3.89, 36.73, 36.73},
     };
-    QStringList specs{"properties", "--json", "--units", "cm"};
-    for (const auto& p : published) specs << QLatin1String(p.section);
-    const BxqRun run = bxq(specs);
+    QStringList arguments{"properties", "--json", "--units", "cm"};
+    for (const auto& p : published) arguments << QLatin1String(p.section);
+    const BxqRun run = bxq(arguments);
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     const std::vector<QJsonObject> rows = jsonLines(run);
     ASSERT_EQ(rows.size(), std::size(published));
@@ -285,7 +285,7 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
         {{"parse", "--bogus", "H1"}, 2, "bogus"},
         {{"frobnicate"}, 2, "unknown verb 'frobnicate'"},
         {{"parse", "--lang", "xx", "H1"}, 2, "no translation for language 'xx'"},
-        {{"outline"}, 2, "outline takes one outline TEXT or --section SPEC"},
+        {{"outline"}, 2, "outline takes one outline TEXT or --section"},
         {{"outline", square, "--section", "I20a"}, 2, "outline takes one"},
         {{"outline", square, "0,0,0,0;2,0,0,0;2,2,0,0"}, 2, "outline takes one"},
         {{"outline", "--colour", "red", square}, 2, "colour"},
@@ -305,7 +305,7 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
         {{"outline", "--svg", dir.filePath("no/such/folder/x.svg"), square}, 1, "x.svg"},
         {{"properties", "--units", "in", "I20a"}, 2, "--units takes mm or cm, not 'in'"},
         {{"properties", "--json", "--csv", "I20a"}, 2, "properties takes --json or --csv, not both"},
-        {{"properties"}, 2, "properties takes section specifications or --outline TEXT"},
+        {{"properties"}, 2, "or --outline TEXT"},
         {{"member", "H400*200*8*13"}, 2, ""},                    // no length
         {{"member", "H400*200*8*13", "--length", "-5"}, 2, ""},  // not positive
         {QStringList{"member", "--id", "3"} + length, 2, ""},   // id without project
@@ -345,10 +345,10 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
 
 TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSections) {
     // Catalogue sections with their radii weigh what the catalogue says per metre (within 1 %).
-    for (const auto& [spec, kgPerMetre] : {std::pair<const char*, double>{"HN400*200*8*13", 65.4}, {"I20a", 27.9},
+    for (const auto& [section, kgPerMetre] : {std::pair<const char*, double>{"HN400*200*8*13", 65.4}, {"I20a", 27.9},
                                            {"[20a", 22.6}, {"L100*80*10", 13.5}}) {
-        SCOPED_TRACE(spec);
-        const QJsonObject o = member({spec, "--length", "2000"});
+        SCOPED_TRACE(section);
+        const QJsonObject o = member({section, "--length", "2000"});
         EXPECT_NEAR(o.value("weight").toDouble(), 2 * kgPerMetre, 0.02 * kgPerMetre);
         EXPECT_NEAR(o.value("weight").toDouble(), o.value("volume").toDouble() * 7.85e-6, 1e-9);
     }
