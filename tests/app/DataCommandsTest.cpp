@@ -510,7 +510,8 @@ TEST_F(BxqFaultTest, AChangeThatCannotBeWrittenSaysWhyAndLeavesTheProjectAsItWas
         const BxqRun read = bxq(m_data.path(), {"user-section", "list", "--project", m_project}, {}, fault.environment,
                                 fault.ordinaryUser);
         if (fault.reads) {
-            EXPECT_EQ(read.out.count('\n'), 3) << read.err.constData();
+            EXPECT_EQ(read.exitCode, 0) << read.err.constData();
+            EXPECT_EQ(read.out.count('\n'), 3);
         } else {
             expectRefused(read, m_project, "busy");
         }
