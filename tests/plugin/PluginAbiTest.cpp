@@ -19,13 +19,17 @@ QString dynamicSymbols() {
     return QString::fromUtf8(nm.readAllStandardOutput());
 }
 
+// The rule check inside the parser and the translations need an application object.
+class PluginAbi : public ::testing::Test {
+    int m_argc = 1;
+    char m_name[5] = "test";
+    char* m_argv[1] = {m_name};
+    QCoreApplication m_app{m_argc, m_argv};
+};
+
 }  // namespace
 
-TEST(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name};
-    QCoreApplication app(argc, argv);  // the rule check inside the parser needs one
+TEST_F(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
     BXQExtend marker;
     SKRSectionPolyInfoParser parser;
     parser.parser(QStringLiteral("H400*200*8*13"));
@@ -40,7 +44,7 @@ TEST(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
     EXPECT_TRUE(skr::util::UnRegisterObject("abi", ""));
 }
 
-TEST(PluginAbi, OnlyTheHostInterfaceIsExported) {
+TEST_F(PluginAbi, OnlyTheHostInterfaceIsExported) {
     const QString symbols = dynamicSymbols();
     ASSERT_FALSE(symbols.isEmpty()) << "nm could not read the plug-in";
     for (const char* exported : {"SKRSectionPolyInfoParser::parser(QString const&)",
@@ -55,11 +59,7 @@ TEST(PluginAbi, OnlyTheHostInterfaceIsExported) {
 
 // The host gets both translations through the plug-in: the library's English, and Qt's own Chinese
 // for the buttons of the message boxes the library shows.
-TEST(PluginAbi, InstallsTheLibrarysAndQtsOwnTranslations) {
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name};
-    QCoreApplication app(argc, argv);
+TEST_F(PluginAbi, InstallsTheLibrarysAndQtsOwnTranslations) {
     EXPECT_FALSE(BXQInstallTranslation(QStringLiteral("xx")));
     ASSERT_TRUE(BXQInstallQtTranslation(QStringLiteral("zh_CN")));
     EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("取消"));
