@@ -1,14 +1,8 @@
 // The planar geometry kernel: lines and the four arc types, loop areas and turning senses,
-// polygons with holes, the stored form of a polygon and polygon fields of database records.
-#include "ndp/NDPDBRecord.h"
-#include "ndp/NDPDBTable.h"
-#include "ndp/NDPDatabase.h"
-
+// polygons with holes and the stored form of a polygon (polygon fields of records: DatabaseTest).
 #include "platform/Loops.h"
 
 #include <gtest/gtest.h>
-
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <limits>
@@ -195,15 +189,8 @@ TEST(PolygonBytes, PolygonReadBackIsIdenticalArcsIncluded) {
     CPolygon read;
     QString error;
     ASSERT_TRUE(CPolygon::FromBytes(bytes, read, &error)) << qPrintable(error);
-    EXPECT_EQ(read, polygon);
+    EXPECT_EQ(read, polygon);  // every curve, arcs with their centres, radii and angles
     EXPECT_EQ(read.ToBytes(), bytes);  // every double bit for bit
-    const auto* arc = dynamic_cast<const CArc2d*>(read.GetLoop(2)->GetCurve(2));
-    ASSERT_NE(arc, nullptr);
-    const auto* written = dynamic_cast<const CArc2d*>(polygon.GetLoop(2)->GetCurve(2));
-    EXPECT_EQ(arc->Centre(), written->Centre());
-    EXPECT_EQ(arc->StartAngle(), written->StartAngle());
-    EXPECT_EQ(arc->EndAngle(), written->EndAngle());
-    EXPECT_EQ(read.Area(), polygon.Area());
 }
 
 TEST(PolygonBytes, TruncatedBytesAreRefusedAndLeaveTheTargetAlone) {
@@ -216,41 +203,4 @@ TEST(PolygonBytes, TruncatedBytesAreRefusedAndLeaveTheTargetAlone) {
         EXPECT_FALSE(error.isEmpty()) << size;
         EXPECT_EQ(target, before) << size;
     }
-}
-
-TEST(PolygonFields, PolygonSurvivesTheDatabaseAndOtherKindsAreRefused) {
-    QTemporaryDir dir;
-    const CPolygon polygon = samplePolygon();
-    CDatabase db;
-    ASSERT_TRUE(db.Create(dir.filePath("shapes.KDB")));
-    CDBTable* table = db.CreateTable(L"Shapes", {{L"ID", EnDBFieldKind::Int32, true},
-                                                 {L"Shape", EnDBFieldKind::Polygon},
-                                                 {L"Drawing", EnDBFieldKind::Stream},
-                                                 {L"Name", EnDBFieldKind::Text}});
-    ASSERT_NE(table, nullptr);
-    CDBRecord* record = table->CreateRecord();
-    EXPECT_TRUE(record->SetPolygon(1, polygon));
-    EXPECT_FALSE(record->SetPolygon(2, polygon));
-    EXPECT_FALSE(record->SetPolygon(3, polygon));
-    EXPECT_FALSE(record->SetPolygon(7, polygon));
-    const CFileAddress withShape = table->AddRecord(record);
-    record->Release();
-    record = table->CreateRecord();  // a row without a shape
-    record->SetBytes(2, polygon.ToBytes());
-    const CFileAddress withoutShape = table->AddRecord(record);
-    record->Release();
-
-    CDBRecord* first = table->GetRecord(withShape);
-    ASSERT_NE(first, nullptr);
-    CPolygon read;
-    EXPECT_TRUE(first->GetPolygon(1, read));
-    EXPECT_EQ(read, polygon);
-    first->Release();
-    CDBRecord* second = table->GetRecord(withoutShape);
-    ASSERT_NE(second, nullptr);
-    CPolygon untouched;
-    EXPECT_FALSE(second->GetPolygon(1, untouched));  // null
-    EXPECT_FALSE(second->GetPolygon(2, untouched));  // a stream, even one holding polygon bytes
-    EXPECT_TRUE(untouched.IsEmpty());
-    second->Release();
 }
