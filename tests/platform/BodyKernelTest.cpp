@@ -27,6 +27,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -151,36 +152,6 @@ TEST(KernelPolygonFace, OpenEmptyAndFlatLoopsAreRefusedWithWhere) {
 // ---------------------------------------------------------------------------------------------
 // Splitting bodies by a plane
 
-TEST(KernelSplit, ObliquePlaneSidesHaveTheirClosedFormVolumes) {
-    BodyPtr body = member();
-    // Normal (1, 2, 10) through (20, 10, 300): over the section the plane stays between z = 280
-    // and z = 305, and at the section's centroid (50, 30) it is at z = 293.
-    const CPlane p = plane({20, 10, 300}, {1, 2, 10});
-    const double zAtCentroid = 300 - (1 * 30 + 2 * 20) / 10.0;
-    CBooleanOperate op = operate();
-    BodyPtr positive(op.SplitPositiveBody(p, body.get()));
-    ASSERT_TRUE(positive) << op.GetLastError().toStdString();
-    BodyPtr negative(op.SplitNegativeBody(p, body.get()));
-    ASSERT_TRUE(negative) << op.GetLastError().toStdString();
-
-    EXPECT_NEAR(positive->Volume(), kSectionArea * (1000 - zAtCentroid), 1e-6 * kMemberVolume);
-    EXPECT_NEAR(negative->Volume(), kSectionArea * zAtCentroid, 1e-6 * kMemberVolume);
-    EXPECT_TRUE(positive->IsValid());
-    EXPECT_TRUE(negative->IsValid());
-    EXPECT_EQ(positive->SolidCount(), 1);
-
-    // The kept side of each lies beyond the plane's lowest and highest points over the section.
-    const double zLow = 300 - (1 * 80 + 2 * 50) / 10.0, zHigh = 300 - (1 * -20 + 2 * -10) / 10.0;
-    expectVector(positive->BoundingBox().min, {0, 0, zLow}, 1e-6);
-    expectVector(positive->BoundingBox().max, {100, 60, 1000}, 1e-6);
-    expectVector(negative->BoundingBox().min, {0, 0, 0}, 1e-6);
-    expectVector(negative->BoundingBox().max, {100, 60, zHigh}, 1e-6);
-
-    // The input body is untouched and still the caller's alone.
-    EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
-    EXPECT_EQ(body->GetRefCount(), 1);
-}
-
 // A member fused from two halves has its side faces split at the joint; the unified side of a
 // cut has one face per surface again, as a member made whole does, and a plain one keeps the joint.
 TEST(KernelSplit, AUnifiedSideHasOneFacePerSurface) {
@@ -236,35 +207,42 @@ TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
     EXPECT_FALSE(op.CutFace(p, nullptr, none));
 }
 
-// Planes with normal +Z through z0 that miss, touch, almost touch or barely cut the member:
-// SplitPositiveBody keeps what is above z0, SplitNegativeBody what is below (0: nothing).
+// Planes that cut the member, and planes with normal +Z through z0 that miss, touch, almost touch
+// or barely cut it: SplitPositiveBody keeps what lies on the normal's side, SplitNegativeBody the
+// rest (0: nothing), and the input body stays as it was and the caller's alone.
 TEST(KernelSplit, EachSideKeepsWhatLiesBeyondThePlane) {
     const double kBarely = 1e-3, e = g_DistEpsilon;
+    // Normal (1, 2, 10) through (20, 10, 300): at the section's centroid (50, 30) it is at z = 293.
+    const double zAtCentroid = 300 - (1 * 30 + 2 * 20) / 10.0;
+    const auto at = [](double z0) { return plane({0, 0, z0}, {0, 0, 1}); };
     const struct {
         const char* name;
-        double z0, positiveVolume, negativeVolume;
+        CPlane plane;
+        double positiveVolume, negativeVolume;
     } cases[] = {
-        {"mid-span", 400, kSectionArea * 600, kSectionArea * 400},
-        {"misses beyond the tail", 1500, 0, kMemberVolume},
-        {"misses before the head", -500, kMemberVolume, 0},
-        {"on the tail face", 1000, 0, kMemberVolume},
-        {"on the head face", 0, kMemberVolume, 0},
-        {"just inside the tail within tolerance", 1000 - 0.5 * e, 0, kMemberVolume},
-        {"just outside the tail within tolerance", 1000 + 0.5 * e, 0, kMemberVolume},
-        {"just inside the head within tolerance", 0.5 * e, kMemberVolume, 0},
-        {"just beyond the tolerance into the tail", 1000 - 3 * e, kSectionArea * 3 * e, kSectionArea * (1000 - 3 * e)},
-        {"barely into the tail", 1000 - kBarely, kSectionArea * kBarely, kSectionArea * (1000 - kBarely)},
-        {"barely into the head", kBarely, kSectionArea * (1000 - kBarely), kSectionArea * kBarely},
+        {"oblique", plane({20, 10, 300}, {1, 2, 10}), kSectionArea * (1000 - zAtCentroid), kSectionArea * zAtCentroid},
+        {"mid-span", at(400), kSectionArea * 600, kSectionArea * 400},
+        {"misses beyond the tail", at(1500), 0, kMemberVolume},
+        {"misses before the head", at(-500), kMemberVolume, 0},
+        {"on the tail face", at(1000), 0, kMemberVolume},
+        {"on the head face", at(0), kMemberVolume, 0},
+        {"just inside the tail within tolerance", at(1000 - 0.5 * e), 0, kMemberVolume},
+        {"just outside the tail within tolerance", at(1000 + 0.5 * e), 0, kMemberVolume},
+        {"just inside the head within tolerance", at(0.5 * e), kMemberVolume, 0},
+        {"just beyond the tolerance into the tail", at(1000 - 3 * e), kSectionArea * 3 * e, kSectionArea * (1000 - 3 * e)},
+        {"barely into the tail", at(1000 - kBarely), kSectionArea * kBarely, kSectionArea * (1000 - kBarely)},
+        {"barely into the head", at(kBarely), kSectionArea * (1000 - kBarely), kSectionArea * kBarely},
     };
     BodyPtr body = member();
     for (const auto& c : cases) {
-        const CPlane p = plane({0, 0, c.z0}, {0, 0, 1});
         CBooleanOperate op = operate();
         for (bool positiveSide : {true, false}) {
             SCOPED_TRACE(std::string(c.name) + (positiveSide ? ", positive side" : ", negative side"));
             const double expected = positiveSide ? c.positiveVolume : c.negativeVolume;
-            BodyPtr part(positiveSide ? op.SplitPositiveBody(p, body.get()) : op.SplitNegativeBody(p, body.get()));
+            BodyPtr part(positiveSide ? op.SplitPositiveBody(c.plane, body.get()) : op.SplitNegativeBody(c.plane, body.get()));
             EXPECT_TRUE(op.GetLastError().isEmpty()) << op.GetLastError().toStdString();
+            EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
+            EXPECT_EQ(body->GetRefCount(), 1);
             if (expected == 0.0) {
                 EXPECT_FALSE(part) << "volume " << part->Volume();
                 continue;
@@ -273,7 +251,7 @@ TEST(KernelSplit, EachSideKeepsWhatLiesBeyondThePlane) {
             EXPECT_NE(part.get(), body.get());
             EXPECT_NEAR(part->Volume(), expected, 1e-6 * expected);
             EXPECT_TRUE(part->IsValid());
-            EXPECT_FALSE(part->IsEmpty());
+            EXPECT_EQ(part->SolidCount(), 1);
         }
     }
 }
@@ -353,37 +331,37 @@ namespace {
 
 constexpr double kLength = 3000.0;
 
-void add(CLoop* loop, CCurve2d* curve) { loop->AddCurve(curve, false); }
-
-// A clockwise quarter arc (a root fillet of an outline running counter-clockwise).
-CArc2d* fillet(CPoint2d from, CPoint2d to, double radius) { return new CArc2d(from, to, radius, 2); }
-
-// An H 400 high and 200 wide, web 8, flanges 13, centred on the axis; with root fillets of 16.
-std::unique_ptr<CPolygon> hSection(bool fillets) {
-    const double r = fillets ? 16.0 : 0.0, w = 4.0, f = 187.0;
+// The closed outline through corners, each rounded one with a root fillet of radius r: a clockwise
+// quarter arc, as an outline running counter-clockwise has at its inner corners.
+std::unique_ptr<CPolygon> outline(const std::vector<CPoint2d>& corners, const std::vector<int>& rounded, double r) {
     auto* loop = new CLoop;
-    auto corner = [&](CPoint2d from, CPoint2d to) {
-        if (fillets) add(loop, fillet(from, to, r));
-    };
-    add(loop, new CLine2d({-100, -200}, {100, -200}));
-    add(loop, new CLine2d({100, -200}, {100, -f}));
-    add(loop, new CLine2d({100, -f}, {w + r, -f}));
-    corner({w + r, -f}, {w, -f + r});
-    add(loop, new CLine2d({w, -f + r}, {w, f - r}));
-    corner({w, f - r}, {w + r, f});
-    add(loop, new CLine2d({w + r, f}, {100, f}));
-    add(loop, new CLine2d({100, f}, {100, 200}));
-    add(loop, new CLine2d({100, 200}, {-100, 200}));
-    add(loop, new CLine2d({-100, 200}, {-100, f}));
-    add(loop, new CLine2d({-100, f}, {-w - r, f}));
-    corner({-w - r, f}, {-w, f - r});
-    add(loop, new CLine2d({-w, f - r}, {-w, -f + r}));
-    corner({-w, -f + r}, {-w - r, -f});
-    add(loop, new CLine2d({-w - r, -f}, {-100, -f}));
-    add(loop, new CLine2d({-100, -f}, {-100, -200}));
+    const size_t n = corners.size();
+    CPoint2d from = corners[0];
+    for (size_t i = 1; i <= n; ++i) {
+        const CPoint2d p = corners[i % n], next = corners[(i + 1) % n];
+        if (std::count(rounded.begin(), rounded.end(), int(i % n)) == 0) {
+            loop->AddCurve(new CLine2d(from, p), false);
+            from = p;
+            continue;
+        }
+        const double in = from.DistanceTo(p), out = p.DistanceTo(next);
+        const CPoint2d start{p.x - r * (p.x - from.x) / in, p.y - r * (p.y - from.y) / in};
+        const CPoint2d end{p.x + r * (next.x - p.x) / out, p.y + r * (next.y - p.y) / out};
+        loop->AddCurve(new CLine2d(from, start), false);
+        loop->AddCurve(new CArc2d(start, end, r, 2), false);
+        from = end;
+    }
     auto polygon = std::make_unique<CPolygon>();
     polygon->AddLoop(loop, true);
     return polygon;
+}
+
+// An H 400 high and 200 wide, web 8, flanges 13, centred on the axis; with root fillets of 16.
+std::unique_ptr<CPolygon> hSection(bool fillets) {
+    const double w = 4.0, f = 187.0;
+    return outline({{-100, -200}, {100, -200}, {100, -f}, {w, -f}, {w, f}, {100, f}, {100, 200}, {-100, 200}, {-100, f},
+                    {-w, f}, {-w, -f}, {-100, -f}},
+                   fillets ? std::vector<int>{3, 4, 9, 10} : std::vector<int>{}, 16);
 }
 
 std::unique_ptr<CPolygon> pipe() {
@@ -394,16 +372,7 @@ std::unique_ptr<CPolygon> pipe() {
 }
 
 // An angle 100 x 100 x 10 with a root fillet of 12, its corner on the axis.
-std::unique_ptr<CPolygon> angle() {
-    auto* loop = segments({{{0, 0}, {100, 0}}, {{100, 0}, {100, 10}}, {{100, 10}, {22, 10}}});
-    add(loop, fillet({22, 10}, {10, 22}, 12));
-    add(loop, new CLine2d({10, 22}, {10, 100}));
-    add(loop, new CLine2d({10, 100}, {0, 100}));
-    add(loop, new CLine2d({0, 100}, {0, 0}));
-    auto polygon = std::make_unique<CPolygon>();
-    polygon->AddLoop(loop, true);
-    return polygon;
-}
+std::unique_ptr<CPolygon> angle() { return outline({{0, 0}, {100, 0}, {100, 10}, {10, 10}, {10, 100}, {0, 100}}, {3}, 12); }
 
 double radians(double degrees) { return degrees * kPi / 180.0; }
 
