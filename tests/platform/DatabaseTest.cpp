@@ -342,7 +342,11 @@ TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {
 
 TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
     QTemporaryDir dir;
-    ASSERT_TRUE(CDatabase().Create(dir.filePath("Some.KDB")));
+    {
+        CDatabase db;
+        ASSERT_TRUE(db.Create(dir.filePath("Some.KDB")));
+        ASSERT_TRUE(db.Flush());  // with nothing to commit
+    }
     const QByteArray previous = qgetenv("BXQ_DATA_DIR");
     qputenv("BXQ_DATA_DIR", dir.path().toUtf8());
     VMPNDDBManager* manager = VMPNDDBManager::nddbMgr();
