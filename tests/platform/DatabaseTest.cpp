@@ -367,7 +367,6 @@ TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
 // ---------------------------------------------------------------------------------------------
 // Faults: each comes out as a failure that says what went wrong and names the file.
 
-
 TEST_F(DatabaseTest, AFileHeldByAnotherProgramIsBusyAndItsHolderNamed) {
     ASSERT_TRUE(m_db.Flush());
     m_db.Close();
