@@ -16,7 +16,6 @@
 #include <cmath>
 #include <functional>
 #include <memory>
-#include <vector>
 
 using namespace skr::body;
 using ndp::CBody;
@@ -119,40 +118,38 @@ TEST(StraightMember, TextsThatMakeNoMemberAreRefusedWithAReason) {
 }
 
 // Sweeps (Pappus: a section centred on the path sweeps area x path length)
-TEST(SweptMember, VolumeIsSectionAreaTimesPathLength) {
-    const double radius = 500, dx = radius * std::sin(kPi / 4), dy = radius - radius * std::cos(kPi / 4);
-    SKRSweepPath quarter({0, 0, 0}), bend({0, 0, 0});
-    quarter.arcTo({dx, dy, 0}, {radius, radius, 0});
-    bend.lineTo({1000, 0, 0});
-    bend.arcTo({1000 + dx, dy, 0}, {1000 + radius, radius, 0});
-    bend.lineTo({1000 + radius, 1500, 0});
-    const struct {
-        const char* name;
-        const SKRSweepPath& path;
-        CPolygon section;
-        CVector3 sectionX;
-        double area, length;
-    } sweeps[] = {
-        {"a rectangle along a quarter arc", quarter, centredRectangle(20, 10), {0, 0, 1}, 20 * 10, kPi * radius / 2},
-        {"a ring along line, arc and line", bend, ring(30, 25), {0, 1, 0}, kPi * (30 * 30 - 25 * 25),
-         1000 + kPi * radius / 2 + (1500 - radius)},
-    };
-    std::vector<BodyPtr> bodies;
-    for (const auto& sweep : sweeps) {
-        SCOPED_TRACE(sweep.name);
-        QString error;
-        bodies.emplace_back(SKRBodyBuilder::sweptMember(sweep.section, sweep.path, sweep.sectionX, &error));
-        ASSERT_TRUE(bodies.back()) << error.toStdString();
-        EXPECT_NEAR(bodies.back()->Volume(), sweep.area * sweep.length, 1e-6 * sweep.area * sweep.length);
-        EXPECT_EQ(bodies.back()->SolidCount(), 1);
-        EXPECT_TRUE(bodies.back()->IsValid());
-    }
-    // The rectangle's X (20 wide) stands along global Z.
-    const ndp::CBox3d box = bodies[0]->BoundingBox();
+
+TEST(SweptMember, AQuarterArcSweepsAreaTimesArcLength) {
+    const double radius = 500;
+    SKRSweepPath path({0, 0, 0});
+    path.arcTo({radius * std::sin(kPi / 4), radius - radius * std::cos(kPi / 4), 0}, {radius, radius, 0});
+    QString error;
+    BodyPtr body(SKRBodyBuilder::sweptMember(centredRectangle(20, 10), path, {0, 0, 1}, &error));
+    ASSERT_TRUE(body) << error.toStdString();
+    EXPECT_NEAR(body->Volume(), 20 * 10 * kPi * radius / 2, 1e-6 * body->Volume());
+    EXPECT_TRUE(body->IsValid());
+    // The section's X (20 wide) stands along global Z.
+    const ndp::CBox3d box = body->BoundingBox();
     EXPECT_NEAR(box.min[2], -10, 1e-6);
     EXPECT_NEAR(box.max[2], 10, 1e-6);
     EXPECT_NEAR(box.max[0], radius + 5, 1e-3);
     EXPECT_NEAR(box.max[1], radius, 1e-6);
+}
+
+TEST(SweptMember, AHollowSectionAlongLineArcLine) {
+    const double radius = 500;
+    SKRSweepPath path({0, 0, 0});
+    path.lineTo({1000, 0, 0});
+    path.arcTo({1000 + radius * std::sin(kPi / 4), radius - radius * std::cos(kPi / 4), 0}, {1000 + radius, radius, 0});
+    path.lineTo({1000 + radius, 1500, 0});
+    QString error;
+    BodyPtr body(SKRBodyBuilder::sweptMember(ring(30, 25), path, {0, 1, 0}, &error));
+    ASSERT_TRUE(body) << error.toStdString();
+    const double length = 1000 + kPi * radius / 2 + (1500 - radius);
+    const double area = kPi * (30 * 30 - 25 * 25);
+    EXPECT_NEAR(body->Volume(), area * length, 1e-6 * area * length);
+    EXPECT_EQ(body->SolidCount(), 1);
+    EXPECT_TRUE(body->IsValid());
 }
 
 TEST(SpiralMember, VolumeIsAreaTimesHelixLength) {
