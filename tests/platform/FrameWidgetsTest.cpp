@@ -9,17 +9,16 @@
 #include <QStandardItemModel>
 #include <QTest>
 
-TEST(FrameWidgets, FrameSwitchesAndObjectName) {
+TEST(FrameWidgets, FrameSwitchesAndButtonsThatAreNotDefault) {
     VantorFrame frame(nullptr, QStringLiteral("frame"));
-    EXPECT_EQ(frame.objectName(), QStringLiteral("frame"));
     EXPECT_TRUE(frame.isMoveEnabled());
+    EXPECT_TRUE(frame.isResizeEnabled());
     frame.setMoveEnabled(false);
     frame.setResizeEnabled(false);
     EXPECT_FALSE(frame.isMoveEnabled());
     EXPECT_FALSE(frame.isResizeEnabled());
     EXPECT_FALSE(frame.isSizeGripEnabled());
-    VantorPushButton button(QStringLiteral("确定"));
-    EXPECT_FALSE(button.autoDefault());  // Return in a line edit must not press it
+    EXPECT_FALSE(VantorPushButton(QStringLiteral("确定")).autoDefault());  // Return in a line edit must not press it
 }
 
 TEST(FrameWidgets, TableViewReportsSelectionAndDoubleClicks) {
@@ -48,33 +47,28 @@ TEST(FrameWidgets, TableViewReportsSelectionAndDoubleClicks) {
     EXPECT_EQ(doubled.takeFirst().at(0).toModelIndex().row(), 2);
 }
 
-TEST(FrameWidgets, BoxesAreAnsweredByTheAnswererWithTheirTexts) {
+TEST(FrameWidgets, BoxesAreAnsweredByTheAnswererWithTheirTextsAndTheMainWindowIsForgottenWhenItGoes) {
     QList<VMPMessageBox::Shown> shown;
     VMPMessageBox::setAnswerer([&shown](const VMPMessageBox::Shown& box) {
         shown << box;
         return box.kind == QLatin1String("information") ? QMessageBox::Cancel : QMessageBox::Ok;
     });
-    QWidget window;
-    BXQCommon::setMainWindow(&window);
-    EXPECT_EQ(BXQCommon::getMainWindow(), &window);
+    auto* window = new QWidget;
+    BXQCommon::setMainWindow(window);
     EXPECT_EQ(VMPMessageBox::information(BXQCommon::getMainWindow(), QStringLiteral("提示"), QStringLiteral("删除?"),
                                          QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok),
               QMessageBox::Cancel);
     EXPECT_EQ(VMPMessageBox::warning(nullptr, QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")), QMessageBox::Ok);
-    EXPECT_EQ(vmp::confirmDlg(QStringLiteral("截面规格输入错误"), 5, &window), QMessageBox::Ok);
+    EXPECT_EQ(vmp::confirmDlg(QStringLiteral("截面规格输入错误"), 5, window), QMessageBox::Ok);
+    VMPMessageBox::setAnswerer({});
     ASSERT_EQ(shown.size(), 3);
     EXPECT_EQ(shown[0].text, QStringLiteral("删除?"));
     EXPECT_EQ(shown[0].buttons, QMessageBox::Ok | QMessageBox::Cancel);
     EXPECT_EQ(shown[1].kind, QStringLiteral("warning"));
     EXPECT_EQ(shown[2].kind, QStringLiteral("confirm"));
     EXPECT_EQ(shown[2].text, QStringLiteral("截面规格输入错误"));
-    VMPMessageBox::setAnswerer({});
-    BXQCommon::setMainWindow(nullptr);
-}
 
-TEST(FrameWidgets, MainWindowIsForgottenWhenItGoes) {
-    auto* window = new QWidget;
-    BXQCommon::setMainWindow(window);
+    EXPECT_EQ(BXQCommon::getMainWindow(), window);
     delete window;
     EXPECT_EQ(BXQCommon::getMainWindow(), nullptr);
 }
