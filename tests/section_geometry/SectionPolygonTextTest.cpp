@@ -120,13 +120,11 @@ TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndField) {
         const char* text;
         const char* reason;  // empty: read
     } cases[] = {
-        {"0,0,0,0;10,0,0,0;10,10,0,0", ""},
-        {"5,5,5,50|||5,5,2,50", ""},
+        {"0,0,0,0;10,0,0,0;10,10,0,0", ""}, {"5,5,5,50|||5,5,2,50", ""},
         {"0,0,0,0;10,0,0,0;10,10,0,0|||1,1,0,0;2,x,0,0", "loop 2, record 2: 'x' is not a number"},
         {"0,0,0,0;10,0,0,7;10,10,0,0", "loop 1, record 2: '7' is no segment kind"},
         {"0,0,0,0;10,0,0,50;10,10,0,0", "loop 1, record 2: '50' is no segment kind"},
-        {"0,0,0;10,0,0,0", "loop 1, record 1: '' is no segment kind"},
-        {"", "loop 1, the loop is empty"},
+        {"0,0,0;10,0,0,0", "loop 1, record 1: '' is no segment kind"}, {"", "loop 1, the loop is empty"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);

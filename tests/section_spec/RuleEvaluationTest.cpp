@@ -21,29 +21,17 @@ constexpr qint64 kGenerousBoundMs = 60000;
 }  // namespace
 
 TEST(NormRules, SoundSectionsHoldAndEveryBrokenRuleIsListedInTheEntrysOrder) {
-    const struct {
-        const char* text;
-        QStringList failed;
-    } rows[] = {
+    const struct { const char* text; QStringList failed; } rows[] = {
         {"H400*200*8*13", {}}, {"H400.5*200*8*13", {}}, {"B300*10*12", {}}, {"H(400~300)*200*8*10", {}},
         {"WSR300*8", {}}, {"BS300", {}}, {"H400*200*8*13+H300*150*6*10", {}}, {"T400*200*10*12", {}},
-        {"H20*200*8*13", {"h>2*t2", "h>2*t1"}},
-        {"H20*200*8*13*5", {"h>2*t1"}},
-        {"H400*200*300*13", {"b>tw"}},
-        {"B300*200*160*10", {"b2>2*t1"}},
-        {"B300*10*160", {"b1>2*t2"}},
-        {"HD20*10", {"d>2*t"}},
-        {"WS16*8", {"D>2*t"}},
-        {"T10*200*300*12", {"h>t2", "b>t1"}},
-        {"H(300~400)*200*8*10", {"h1>h2"}},
-        {"D400~500*300", {"R1>R2", "R1>2*t", "R2>2*t"}},
-        {"BB100*100*200*200*10*12", {"B1>b1", "B2>b2"}},
-        {"TY400*300*200*150*100", {"r1>2*t", "r2>2*t"}},
+        {"H20*200*8*13", {"h>2*t2", "h>2*t1"}}, {"H20*200*8*13*5", {"h>2*t1"}}, {"H400*200*300*13", {"b>tw"}},
+        {"B300*200*160*10", {"b2>2*t1"}},      {"B300*10*160", {"b1>2*t2"}},  {"HD20*10", {"d>2*t"}},
+        {"WS16*8", {"D>2*t"}},                 {"T10*200*300*12", {"h>t2", "b>t1"}},
+        {"H(300~400)*200*8*10", {"h1>h2"}},    {"D400~500*300", {"R1>R2", "R1>2*t", "R2>2*t"}},
+        {"BB100*100*200*200*10*12", {"B1>b1", "B2>b2"}}, {"TY400*300*200*150*100", {"r1>2*t", "r2>2*t"}},
         {"H300/400*200*8*10*12", {"h1>h2"}},
         // Values compare as numbers: as texts "9" > "10", and 400.5 > 2*200.2 only with the decimals.
-        {"H400*9*10*13", {"b>tw"}},
-        {"H400.5*200*8*200.2", {}},
-        {"H400.3*200*8*200.2", {"h>2*t2", "h>2*t1"}},
+        {"H400*9*10*13", {"b>tw"}}, {"H400.5*200*8*200.2", {}}, {"H400.3*200*8*200.2", {"h>2*t2", "h>2*t1"}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -77,11 +65,7 @@ TEST(Declarations, DeclaredNumbersReadBackExactlyInTheirShortestForm) {
 }
 
 TEST(CheckRules, EveryRuleIsJudgedAndFalseOrThrowingOnesAreListed) {
-    const struct {
-        QMap<QString, double> values;
-        QStringList rules;
-        QStringList failed;
-    } rows[] = {
+    const struct { QMap<QString, double> values; QStringList rules; QStringList failed; } rows[] = {
         {{{"h", 400}}, {"h>2*x", "h>0"}, {"h>2*x"}},  // an undeclared name
         {{{"a", 1}, {"b", 2}}, {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"}, {"a>b", "a==b", "undefinedName"}},
         // Checks do not share variables.
@@ -97,10 +81,7 @@ TEST(CheckRules, EveryRuleIsJudgedAndFalseOrThrowingOnesAreListed) {
 }
 
 TEST(CheckRules, InvalidScriptFailsTheWholeCheck) {
-    const struct {
-        QMap<QString, double> values;
-        QStringList rules;
-    } rows[] = {
+    const struct { QMap<QString, double> values; QStringList rules; } rows[] = {
         {{{"h", 400}}, {"h>", "h>0"}},
         {{{"h", 400}}, {"h>0", "h>1", "(h>2"}},  // after sound ones
         {{{"1h", 400}}, {"true"}},               // a name that is not an identifier

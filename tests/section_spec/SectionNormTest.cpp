@@ -34,11 +34,7 @@ Values valuesOf(const char* pairs) {
 
 // The first entry whose format matches decides the type; the values are those after completion.
 TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValues) {
-    const struct {
-        const char* text;
-        int type;
-        const char* values;
-    } rows[] = {
+    const struct { const char* text; int type; const char* values; } rows[] = {
         {"H400*200*8*13", 11, "h=400 b=200 tw=8 t1=13 t2=13"},
         {"H400*200*8*13*12", 11, "h=400 b=200 tw=8 t1=13 t2=12"},
         // Values need a leading digit and may end with a point.
@@ -46,21 +42,16 @@ TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValues) {
         {"H400.5*200*8*13", 11, "h=400.5 b=200 tw=8 t1=13 t2=13"},
         {"H400*200/300*8*10", 12, "h=400 b1=200 b2=300 tw=8 t1=10 t2=10"},
         {"H400*200/300*8*10*12", 12, "h=400 b1=200 b2=300 tw=8 t1=10 t2=12"},
-        {"B300*10*12", 13, "b1=300 b2=300 t1=10 t2=12"},
-        {"B300*200*10*12", 13, "b1=300 b2=200 t1=10 t2=12"},
+        {"B300*10*12", 13, "b1=300 b2=300 t1=10 t2=12"}, {"B300*200*10*12", 13, "b1=300 b2=200 t1=10 t2=12"},
         {"HD300*10", 14, "d=300 t=10"},
         {"H400*200*8*13+H300*150*6*10", 15, "h1=400 b1=200 tw1=8 t1=13 t2=13 h2=300 b2=150 tw2=6 t3=10 t4=10"},
         {"H400*200*8*13*12+H300*150*6*10", 15, "h1=400 b1=200 tw1=8 t1=13 t2=12 h2=300 b2=150 tw2=6 t3=10 t4=10"},
         {"H400*200*8*13+H300*150*6*10*9", 15, "h1=400 b1=200 tw1=8 t1=13 t2=13 h2=300 b2=150 tw2=6 t3=10 t4=9"},
         {"H400*200*8*13*12+H300*150*6*10*9", 15, "h1=400 b1=200 tw1=8 t1=13 t2=12 h2=300 b2=150 tw2=6 t3=10 t4=9"},
-        {"T400*200*10", 16, "h=400 b=200 t1=10 t2=10"},
-        {"T400*200*10*12", 16, "h=400 b=200 t1=10 t2=12"},
+        {"T400*200*10", 16, "h=400 b=200 t1=10 t2=10"}, {"T400*200*10*12", 16, "h=400 b=200 t1=10 t2=12"},
         {"H(400~300)*200*8*10", 17, "h1=400 h2=300 b=200 tw=8 t1=10 t2=10"},
-        {"H(400~300)*200*8*10*12", 17, "h1=400 h2=300 b=200 tw=8 t1=10 t2=12"},
-        {"BS300", 1012, "D=300"},
-        {"WS300*8", 1013, "D=300 t=8"},
-        {"WSR300*8", 1013, "D=300 t=8"},
-        {"D500~400*10", 18, "R1=500 R2=400 t=10"},
+        {"H(400~300)*200*8*10*12", 17, "h1=400 h2=300 b=200 tw=8 t1=10 t2=12"}, {"BS300", 1012, "D=300"},
+        {"WS300*8", 1013, "D=300 t=8"}, {"WSR300*8", 1013, "D=300 t=8"}, {"D500~400*10", 18, "R1=500 R2=400 t=10"},
         {"BB400*300*200*150*10*12", 19, "B1=400 B2=300 b1=200 b2=150 t1=10 t2=12"},
         {"TY400*300*200*150*10", 21, "R1=400 R2=300 r1=200 r2=150 t=10"},
         {"H400/300*200*8*10*12", 20, "h1=400 h2=300 b=200 tw=8 t1=10 t2=12"},  // slash between depths, not widths
@@ -79,19 +70,13 @@ TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValues) {
 // Each refusal follows a successful match, which it must forget.
 TEST(WeldedNormFormats, TextsOutsideEveryFormatAreRefusedAndForgetThePreviousMatch) {
     const char* refused[] = {
-        "", "H",
-        "H400*200*8",            // too few values
-        "H400*200*8*13*12*11",   // too many
-        "H400*200*8*13 ",        // the caller removes spaces, the norm does not
-        "h400*200*8*13",         // marks are upper case
-        "XH400*200*8*13",        // the mark must stand at the start
-        "H400*200*8*13X",        // and nothing may follow the last value
-        "H400~300*200*8*10",     // the tapered H needs its brackets
-        "H(400~300*200*8*10", "H400**8*13", "H-400*200*8*13",
-        "D89*4",                 // a catalogue pipe
-        "D500*400*10", "HN400*200*8*13", "BS300*8", "WS300",
-        "H400/300*200*8*10",     // the two-depth H has a single, long format
-        "HD300", "BB400*300*200*150*10", "TY400*300*200*150", "H400*200*8*13+300*150*6*10",
+        "", "H", "H400*200*8", "H400*200*8*13*12*11",  // too few values, too many
+        "H400*200*8*13 ",                               // the caller removes spaces, the norm does not
+        "h400*200*8*13", "XH400*200*8*13", "H400*200*8*13X",  // upper-case marks at the start, nothing after
+        "H400~300*200*8*10", "H(400~300*200*8*10",      // the tapered H needs its brackets
+        "H400**8*13", "H-400*200*8*13", "D89*4" /* a catalogue pipe */, "D500*400*10", "HN400*200*8*13", "BS300*8",
+        "WS300", "H400/300*200*8*10" /* the two-depth H has one, long format */, "HD300", "BB400*300*200*150*10",
+        "TY400*300*200*150", "H400*200*8*13+300*150*6*10",
         // Values need a leading digit and at most one point.
         "H.5*200*8*13", "H400*200*.8*13", "B.300*10*12", "WS300*.8", "H400*200*8*13.5.", "H400*200*8..5*13",
     };
@@ -107,10 +92,7 @@ TEST(WeldedNormFormats, TextsOutsideEveryFormatAreRefusedAndForgetThePreviousMat
 }
 
 TEST(WeldedNormValidity, TextMustStartWithTheKeyOfSomeEntry) {
-    const struct {
-        const char* text;
-        bool valid;
-    } rows[] = {
+    const struct { const char* text; bool valid; } rows[] = {
         {"H400*200*8*13", true}, {"HN400*200*8*13", true}, {"H", true},          {"B", true},
         {"T", true},             {"D20", true},            {"BS", true},         {"WSR", true},
         {"WS", true},            {"BB", true},             {"TY", true},         {"HD", true},

@@ -59,8 +59,7 @@ TEST(ParseRecords, StandardBareAndUnknownTextsGiveEveryFieldOfTheRecord) {
         {"hn 400*200*8*13", "HN400*200*8*13", "HN", "400*200*8*13", 7, 1, 6, {400, 200, 8, 13}},
         {"L100*10", "L100*10", "L", "100*10", 3, 1, 2, {100, 10}},
         {"L100*80*10", "L100*80*10", "L", "100*80*10", 4, 1, 3, {100, 80, 10}},
-        {"D20", "D20", "D", "20", 6, 1, 5, {20}},
-        {"D89*4", "D89*4", "D", "89*4", 5, 1, 4, {89, 4}},
+        {"D20", "D20", "D", "20", 6, 1, 5, {20}}, {"D89*4", "D89*4", "D", "89*4", 5, 1, 4, {89, 4}},
         {"c 200*70*20*2", "C200*70*20*2", "C", "200*70*20*2", 8, 1, 7, {200, 70, 20, 2}},
         {"Z270*80*8*3", "Z270*80*8*3", "Z", "270*80*8*3", 9, 1, 8, {270, 80, 8, 3}},
         {"TN200*200*8*12", "TN200*200*8*12", "TN", "200*200*8*12", 10, 1, 9, {200, 200, 8, 12}},
@@ -69,22 +68,18 @@ TEST(ParseRecords, StandardBareAndUnknownTextsGiveEveryFieldOfTheRecord) {
         {"WS300*8", "WS300*8", "WS", "300*8", 1013, 1, 12, {300, 8}},
         {"wsr 300*8", "WSR300*8", "WSR", "300*8", 1013, 1, 12, {300, 8}},
         // I and channel take their dimensions only from a catalogue, and none is registered.
-        {"i20a", "I20a", "I", "20a", 1, 1, 0, {}},
-        {"[ 20b", "[20b", "[", "20b", 2, 1, 1, {}},
+        {"i20a", "I20a", "I", "20a", 1, 1, 0, {}}, {"[ 20b", "[20b", "[", "20b", 2, 1, 1, {}},
         {"I400*200", "I400*200", "I", "400*200", 1, 1, 0, {}},
         // An angle without one or two stars is invalid but stays in the standard group.
         {"L100", "L100", "L", "100", -1, 1, -1, {100}},
         {"L100*80*10*5", "L100*80*10*5", "L", "100*80*10*5", -1, 1, -1, {100, 80, 10, 5}},
         // A star makes bare dimensions; a single number is plain.
         {"200*300", "200*300", "", "200*300", 0, 0, 0, {200, 300}},
-        {" 200 * 300 ", "200*300", "", "200*300", 0, 0, 0, {200, 300}},
-        {"250", "250", "", "250", 6001, 0, -1, {250}},
+        {" 200 * 300 ", "200*300", "", "200*300", 0, 0, 0, {200, 300}}, {"250", "250", "", "250", 6001, 0, -1, {250}},
         {"7自定义截面", "7自定义截面", "", "7自定义截面", 6001, 0, -1, {0}},
         // The code ends at the first digit within three characters, else it is three long.
-        {"AB1", "AB1", "AB", "1", -1, -1, -1, {1}},
-        {"ABC12", "ABC12", "ABC", "12", -1, -1, -1, {12}},
-        {"ABCD5", "ABCD5", "ABC", "D5", -1, -1, -1, {0}},
-        {"H", "H", "H", "", 11, 2, 0, {0}},
+        {"AB1", "AB1", "AB", "1", -1, -1, -1, {1}}, {"ABC12", "ABC12", "ABC", "12", -1, -1, -1, {12}},
+        {"ABCD5", "ABCD5", "ABC", "D5", -1, -1, -1, {0}}, {"H", "H", "H", "", 11, 2, 0, {0}},
         {"HN", "HN", "", "", 6001, 0, -1, {0}},  // two characters, no digit: read as a bare number
         {"", "", "", "", 6001, 0, -1, {0}},
         // Dimensions that are not numbers read as zero.
@@ -135,20 +130,14 @@ TEST(ParseRecords, UserSectionsEndInZdyAndCustomSectionsStartWithTheKeyword) {
         {"ABC(ZDY)", "ABC(ZDY)", "ZDY", "", -1, 1, -1, {0}},
         // At the start it is no user section: the parentheses go and "ZDY" is an unknown code.
         {"(ZDY)H400*200*8*13", "ZDYH400*200*8*13", "ZDY", "H400*200*8*13", -1, 1, -1, {0, 200, 8, 13}},
-        {"(ZDY)", "ZDY", "ZDY", "", -1, 1, -1, {0}},
-        {"自定义截面7", "自定义截面7", "自定义截面", "7", 7007, 3, -1, {7}},
-        {"自定义截面 12", "自定义截面12", "自定义截面", "12", 7012, 3, -1, {12}},
-        {"自定义截面", "自定义截面", "自定义截面", "", 7000, 3, -1, {0}},
+        {"(ZDY)", "ZDY", "ZDY", "", -1, 1, -1, {0}}, {"自定义截面7", "自定义截面7", "自定义截面", "7", 7007, 3, -1, {7}},
+        {"自定义截面 12", "自定义截面12", "自定义截面", "12", 7012, 3, -1, {12}}, {"自定义截面", "自定义截面", "自定义截面", "", 7000, 3, -1, {0}},
         {"自定义截面abc", "自定义截面ABc", "自定义截面", "ABc", 7000, 3, -1, {0}},
     });
 }
 
 TEST(ParseWeldedSections, ShortFormsAreCompletedOnlyAtTheirExactCount) {
-    const struct {
-        const char* text;
-        int type;
-        QVector<double> params;
-    } rows[] = {
+    const struct { const char* text; int type; QVector<double> params; } rows[] = {
         {"H400*200*8", 11, {400, 200, 8}},         {"H400*200*8*13*12*11", 11, {400, 200, 8, 13, 12, 11}},
         {"B300*10", 13, {300, 10}},                {"B300*200*10*12*5", 13, {300, 200, 10, 12, 5}},
         {"H400*200/300*8", 12, {400, 200, 300, 8}}, {"H(400~300)*200*8", 17, {400, 300, 200, 8}},
@@ -175,11 +164,7 @@ TEST(ParseWeldedSections, CodeHIsDecidedByTheSeparatorsPlusFirstThenTildeThenSla
 }
 
 TEST(ParseTypeCodes, EveryCodeGivesItsTypeAndGroup) {
-    const struct {
-        const char* code;
-        int type;
-        int group;
-    } rows[] = {
+    const struct { const char* code; int type; int group; } rows[] = {
         {"I", 1, 1},     {"[", 2, 1},     {"D", 5, 1},     {"HW", 7, 1},   {"HM", 7, 1},    {"HT", 7, 1},
         {"HN", 7, 1},    {"HP", 7, 1},    {"C", 8, 1},     {"Z", 9, 1},    {"TN", 10, 1},   {"TW", 10, 1},
         {"TM", 10, 1},   {"□", 1011, 1},  {"BS", 1012, 1}, {"WS", 1013, 1}, {"WSR", 1013, 1}, {"H", 11, 2},
@@ -197,14 +182,10 @@ TEST(ParseTypeCodes, EveryCodeGivesItsTypeAndGroup) {
 }
 
 TEST(ParseNormalisation, SpacesAndParenthesesGoAndAllButTheLastCharacterIsUpperCased) {
-    const struct {
-        const char* text;
-        const char* name;
-    } rows[] = {
+    const struct { const char* text; const char* name; } rows[] = {
         {"h 400 * 200 * 8 * 13", "H400*200*8*13"}, {"\th400*200*8*13\n", "H400*200*8*13"},
         {"hn400*200*8*13", "HN400*200*8*13"},     {"i20a", "I20a"},
-        {"i20A", "I20A"},                         {"h(400~300)*200*8*10", "H400~300*200*8*10"},
-        {"((c))200", "C200"},
+        {"i20A", "I20A"},                         {"h(400~300)*200*8*10", "H400~300*200*8*10"}, {"((c))200", "C200"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -236,11 +217,7 @@ TEST(ParseCustomSections, EachInterfaceLanguageRecognisesOnlyItsOwnKeyword) {
 }
 
 TEST(AnalyseGroupType, AnswersForTheTypeCodeNotForTheNormResult) {
-    const struct {
-        const char* text;
-        EnSKRSectionGroupType codeGroup;
-        EnSKRSectionGroupType recordGroup;
-    } rows[] = {
+    const struct { const char* text; EnSKRSectionGroupType codeGroup; EnSKRSectionGroupType recordGroup; } rows[] = {
         {"D500~400*10", sgStandard, sgWelded},  // code "D", but the welded norm decides
         {"WS300*8", sgStandard, sgStandard},  {"HD300*10", sgWelded, sgWelded},
         {"BB400*300*200*150*10*12", sgInvalid, sgWelded},
@@ -277,11 +254,7 @@ TEST(ParseNormalisation, DimensionsBeyondTheBoundAreRefusedAsUnreadableTexts) {
 }
 
 TEST(ParserValue, EverySeparatorStartsAValueAndBadPiecesReadAsZero) {
-    const struct {
-        const char* text;
-        char separator;
-        QList<double> values;
-    } rows[] = {
+    const struct { const char* text; char separator; QList<double> values; } rows[] = {
         {"200**8", '*', {200, 0, 8}}, {"", '*', {0}},       {"*", '*', {0, 0}},
         {" 12 * 3.5 ", '*', {12, 3.5}},  {"400.5*.5*8.", '*', {400.5, 0.5, 8}},
         {"nan*inf*-inf*NaN", '*', {0, 0, 0, 0}}, {"abc*12a", '*', {0, 0}},
@@ -311,11 +284,7 @@ TEST(ParserParamEqualString, KeysAreListedAsWrittenAndHeldOnceWithTheLastValueUp
 
 // Every type value from -100 to 7100 has the group of its range.
 TEST(PolyGroupType, EveryValueOfEveryRangeHasTheRangesGroup) {
-    const struct {
-        int first;
-        int last;
-        EnSKRSectionGroupType group;
-    } ranges[] = {
+    const struct { int first; int last; EnSKRSectionGroupType group; } ranges[] = {
         {-100, -1, sgInvalid},   {0, 0, sgNone},         {1, 10, sgStandard},     {11, 21, sgWelded},
         {22, 1010, sgInvalid},   {1011, 1013, sgStandard}, {1014, 6000, sgInvalid}, {6001, 6001, sgNone},
         {6002, 6999, sgInvalid}, {7000, 7100, sgCustom},

@@ -22,8 +22,7 @@ TEST(WeldBall, ExpressionSeesTheDimensionsAndGivesTheCodeAndItsNumericVariables)
         QVector<double> params;
     } rows[] = {
         // Without an expression only the diameter is named.
-        {"WS300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}},
-        {"WSR300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}},
+        {"WS300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}}, {"WSR300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}},
         {"BS300", "", stBoltBall, 0, {{L"D", 300}}, {300}},
         {"WS300*8", "D > 2*t ? 1 : 2", stWeldBall, 1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
         {"WS16*8", "D > 2*t ? 1 : 2", stWeldBall, 2, {{L"D", 16}, {L"t", 8}}, {16, 8}},
