@@ -1,5 +1,6 @@
 // Parsed sections by parameter code: every type printed from distinct values reads back under the
-// same codes, the codes agree with the shipped parameter table, and refusals.
+// same codes, the codes agree with the shipped parameter table, and refusals. Printed names of
+// short forms, with the keys in any order and spaces and empty pieces, read back too.
 #include "section_spec/SKRSectionParams.h"
 #include "section_spec/GSectionPolyInfo.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
+#include <vector>
 
 using namespace skr::section;
 
@@ -28,6 +31,14 @@ std::string describe(const Params& params) {
     return out;
 }
 
+using Given = std::vector<std::pair<const char*, const char*>>;
+
+QString paramText(const Given& given) {
+    QStringList pieces;
+    for (const auto& pair : given)
+        pieces << QStringLiteral("%1=%2").arg(QString::fromLatin1(pair.first), QString::fromLatin1(pair.second));
+    return pieces.join(QLatin1Char(';'));
+}
 
 }  // namespace
 
@@ -116,5 +127,51 @@ TEST(SectionParams, EveryTypePrintedFromItsCodesParsesBackToThem) {
         Params back;
         ASSERT_TRUE(sectionParamsByCode(info, back));
         EXPECT_EQ(describe(back), describe(values));
+    }
+}
+
+// Short forms leave out the parameter that the parser completes from another one; the printed
+// name leaves out its separator too.
+TEST(StandardName, ShortFormsPrintedFromKeysInAnyOrderAndSpacingParseBack) {
+    const struct {
+        int type;
+        int rib;
+        int typeIndex;
+        Given given;             // what the caller passes
+        QVector<double> params;  // what the parser reads back
+    } rows[] = {
+        {11, 0, 0, {{"h", "400"}, {"b", "200"}, {"tw", "8"}, {"t1", "13"}}, {400, 200, 8, 13, 13}},
+        {11, 0, 0, {{"h", "400.5"}, {"b", "200.25"}, {"tw", "8"}, {"t1", "13.5"}}, {400.5, 200.25, 8, 13.5, 13.5}},
+        {12, 0, 1, {{"h", "400"}, {"b1", "200"}, {"b2", "300"}, {"tw", "8"}, {"t1", "10"}}, {400, 200, 300, 8, 10, 10}},
+        {13, 0, 2, {{"b1", "300"}, {"t1", "10"}, {"t2", "12"}}, {300, 300, 10, 12}},
+        {15, 0, 4, {{"h1", "400"}, {"b1", "200"}, {"tw1", "8"}, {"t1", "13"}, {"h2", "300"}, {"b2", "150"},
+                    {"tw2", "6"}, {"t3", "10"}},
+         {400, 200, 8, 13, 13, 300, 150, 6, 10, 10}},
+        {15, 0, 4, {{"h1", "400"}, {"b1", "200"}, {"tw1", "8"}, {"t1", "13"}, {"h2", "300"}, {"b2", "150"},
+                    {"tw2", "6"}, {"t3", "10"}, {"t4", "9"}},
+         {400, 200, 8, 13, 13, 300, 150, 6, 10, 9}},
+        // The parser does not complete the welded T: its short form reads back as three values.
+        {16, 0, 5, {{"h", "400"}, {"b", "200"}, {"t1", "10"}}, {400, 200, 10}},
+        {17, 0, 6, {{"h1", "400"}, {"h2", "300"}, {"b", "200"}, {"tw", "8"}, {"t1", "10"}}, {400, 300, 200, 8, 10, 10}},
+        {1013, 1, 12, {{"D", "300"}, {"t", "8"}}, {300, 8}},  // a ribbed weld ball
+    };
+    for (const auto& row : rows) {
+        Given reversed = row.given;
+        std::reverse(reversed.begin(), reversed.end());
+        const QString spaced =
+            QStringLiteral(" ;") + paramText(row.given).replace(QLatin1Char(';'), QStringLiteral(" ;; ")) + "; ";
+        for (const QString& text : {paramText(row.given), paramText(reversed), spaced}) {
+            const QString printed = SKRSectionPolyInfoParser::parseStandardName(row.type, row.rib, text);
+            SCOPED_TRACE((text + QStringLiteral(" -> ") + printed).toStdString());
+            EXPECT_TRUE(printed.startsWith(SKRSectionPolyInfoParser::weldingSteelMark(row.type, row.rib)));
+            for (QChar bracket : {QLatin1Char('('), QLatin1Char(')'), QLatin1Char('['), QLatin1Char(']')})
+                EXPECT_FALSE(printed.contains(bracket));
+            const GSectionPolyInfo info = parse(printed);
+            EXPECT_EQ(info.sectionType, row.type);
+            EXPECT_EQ(info.groupType, SKRSectionPolyInfoParser::polyGroupType(row.type));
+            EXPECT_EQ(info.typeIndex, row.typeIndex);
+            EXPECT_EQ(info.params, row.params);
+            EXPECT_EQ(info.paramCount, row.params.size());
+        }
     }
 }
