@@ -67,7 +67,9 @@ TEST(Declarations, DeclaredNumbersReadBackExactlyInTheirShortestForm) {
 TEST(CheckRules, EveryRuleIsJudgedAndFalseOrThrowingOnesAreListed) {
     const struct { QMap<QString, double> values; QStringList rules; QStringList failed; } rows[] = {
         {{{"h", 400}}, {"h>2*x", "h>0"}, {"h>2*x"}},  // an undeclared name
-        {{{"a", 1}, {"b", 2}}, {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"}, {"a>b", "a==b", "undefinedName"}},
+        {{{"a", 1}, {"b", 2}},
+         {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"},
+         {"a>b", "a==b", "undefinedName"}},
         // Checks do not share variables.
         {{{"h", 1}}, {"h==1", "(x = 5) == 5"}, {}},
         {{{"h", 1}}, {"x==5"}, {"x==5"}},
@@ -124,7 +126,8 @@ TEST(Evaluate, BrokenThrowingOrEndlessExpressionsAreReportedNotThrown) {
         SCOPED_TRACE(expression);
         QElapsedTimer clock;
         clock.start();
-        const auto result = SKRScriptEvaluator::evaluate({{"D", 300}}, QString::fromLatin1(expression), kShortTimeoutMs);
+        const auto result =
+            SKRScriptEvaluator::evaluate({{"D", 300}}, QString::fromLatin1(expression), kShortTimeoutMs);
         EXPECT_LT(clock.elapsed(), kGenerousBoundMs);
         EXPECT_FALSE(result.ok);
         EXPECT_FALSE(result.error.isEmpty());

@@ -277,8 +277,8 @@ TEST(ParserValue, EverySeparatorStartsAValueAndBadPiecesReadAsZero) {
 
 TEST(ParserParamEqualString, KeysAreListedAsWrittenAndHeldOnceWithTheLastValueUpToTheNextEqualsSign) {
     QList<QString> keys;
-    QMap<QString, QString> map =
-        SKRSectionPolyInfoParser::parserParamEqualString(QStringLiteral("h=400;b=200;h=500"), QStringLiteral(";"), keys);
+    QMap<QString, QString> map = SKRSectionPolyInfoParser::parserParamEqualString(
+        QStringLiteral("h=400;b=200;h=500"), QStringLiteral(";"), keys);
     EXPECT_EQ(keys, (QList<QString>{"h", "b", "h"}));
     EXPECT_EQ(map, (QMap<QString, QString>{{"h", "500"}, {"b", "200"}}));
     keys.clear();
