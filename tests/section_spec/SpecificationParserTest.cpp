@@ -21,13 +21,8 @@ namespace {
 using BallValues = std::map<std::wstring, double>;
 
 struct Case {
-    const char* text;
-    const char* name;
-    const char* typeCode;
-    const char* valueText;
-    int type;
-    int group;
-    int typeIndex;
+    const char *text, *name, *typeCode, *valueText;
+    int type, group, typeIndex;
     QVector<double> params;
 };
 
@@ -303,11 +298,10 @@ TEST(PolyGroupType, EveryValueOfEveryRangeHasTheRangesGroup) {
 }
 
 TEST(WeldingSteelMark, WeldedAndBallTypesHaveTheirMarkTheWeldBallAnRForAnyRibAndOthersNone) {
-    const struct {
-        int type;
-        const char* mark;
-    } rows[] = {{11, "H"},  {12, "H"},  {13, "B"},  {14, "HD"}, {15, "H"},  {16, "T"},   {17, "H"},
-                {18, "D"},  {19, "BB"}, {20, "H"},  {21, "TY"}, {1012, "BS"}, {1013, "WS"}};
+    const struct { int type; const char* mark; } rows[] = {
+        {11, "H"}, {12, "H"},  {13, "B"}, {14, "HD"}, {15, "H"},    {16, "T"},    {17, "H"},
+        {18, "D"}, {19, "BB"}, {20, "H"}, {21, "TY"}, {1012, "BS"}, {1013, "WS"},
+    };
     QList<int> others{INT_MIN, 7000, 7001, 6001, INT_MAX};
     for (int type = -3; type <= 1100; ++type) others << type;
     for (const auto& row : rows) others.removeAll(row.type);
