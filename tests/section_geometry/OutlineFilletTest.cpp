@@ -102,11 +102,7 @@ TEST(OutlineFillet, RadiiThatDoNotFitAreRefusedNamingTheCorners) {
     EXPECT_TRUE(filletCorners({{0, 0, 25}, {50, 0, 25}, {50, 100}, {0, 100}}, loop, &error));
     loop = before;
 
-    const struct {
-        const char* why;
-        QVector<SKROutlineCorner> corners;
-        const char* reason;
-    } refused[] = {
+    const struct { const char* why; QVector<SKROutlineCorner> corners; const char* reason; } refused[] = {
         {"negative radius", {{0, 0}, {10, 0, -1}, {10, 10}}, "corner 1"},
         {"radius not a number", {{0, 0}, {10, 0, std::nan("")}, {10, 10}}, "corner 1"},
         {"two corners on one point", {{0, 0}, {10, 0}, {10, 0}, {0, 10}}, "corner 1"},

@@ -1,5 +1,8 @@
 // Outline texts to polygons: separators, circles, arcs, gaps, orientation, and the texts that give
-// no polygon at all.
+// no polygon at all; unreadable texts refused naming the loop, record and field; and the outline
+// check, which refuses every outline that does not enclose one finite region, naming the loop
+// and a point near the fault.
+#include "section_geometry/SKROutlineCheck.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
 
 #include "ndp/NDPPolygon.h"
@@ -17,96 +20,74 @@ CPoint2d startOf(const ndp::CLoop& loop, int curve) { return loop.GetCurve(curve
 
 }  // namespace
 
-TEST(SectionPolygonText, RectangleIsFourLinesClosedBackToTheStart) {
-    const auto polygon = ParseSectionPolygon(QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"));
-    ASSERT_TRUE(polygon);
-    ASSERT_EQ(polygon->GetLoopCount(), 1);
-    const ndp::CLoop& loop = *polygon->GetLoop(0);
-    ASSERT_EQ(loop.GetCount(), 4);
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(loop.GetCurve(i)->GetType(), ndp::EnCurveType::Line);
-    EXPECT_EQ(startOf(loop, 3), CPoint2d(0, 50));
-    EXPECT_EQ(loop.GetCurve(3)->EndPoint(), CPoint2d(0, 0));
-    EXPECT_TRUE(loop.IsClosed());
-    EXPECT_DOUBLE_EQ(polygon->Area(), 5000.0);
-    EXPECT_EQ(loop.ClockSign(), 1);
-}
-
-TEST(SectionPolygonText, KindFiftyIsAFullCircleAndIgnoresTheRestOfItsLoop) {
-    for (const char* text : {"10,20,5,50", "10,20,5,50;99,99,0,0;7,7,7,7"}) {
-        SCOPED_TRACE(text);
-        const auto polygon = ParseSectionPolygon(QString::fromLatin1(text));
-        ASSERT_TRUE(polygon);
-        const ndp::CLoop& loop = *polygon->GetLoop(0);
-        ASSERT_EQ(loop.GetCount(), 1);
-        const auto* arc = dynamic_cast<const ndp::CArc2d*>(loop.GetCurve(0));
-        ASSERT_NE(arc, nullptr);
-        EXPECT_EQ(arc->Centre(), CPoint2d(10, 20));
-        EXPECT_EQ(arc->Radius(), 5.0);
-        EXPECT_TRUE(arc->IsFullCircle());
-        EXPECT_NEAR(polygon->Area(), M_PI * 25, 1e-9);
-    }
-}
-
-TEST(SectionPolygonText, OuterAndInnerLoopsEndWithOppositeSensesWhateverTheTextUsed) {
+// Loops, curves of the first loop, area, whether the first loop closes, and the turning sense of
+// the first and the last loop: outer loops counter-clockwise, holes clockwise, whatever the text.
+TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
     const QString clockwiseSquare = QStringLiteral("0,0,0,0;0,100,0,0;100,100,0,0;100,0,0,0");
     const QString counterClockwiseHole = QStringLiteral("25,25,0,0;75,25,0,0;75,75,0,0;25,75,0,0");
-    for (const QString& text : {clockwiseSquare + "|||" + counterClockwiseHole,
-                                QStringLiteral("|||") + clockwiseSquare + "||||||" + counterClockwiseHole + "|||"}) {
-        const auto polygon = ParseSectionPolygon(text);
-        ASSERT_TRUE(polygon);
-        ASSERT_EQ(polygon->GetLoopCount(), 2);
-        EXPECT_EQ(polygon->GetLoop(0)->ClockSign(), 1);
-        EXPECT_EQ(polygon->GetLoop(1)->ClockSign(), -1);
-        EXPECT_DOUBLE_EQ(polygon->Area(), 10000.0 - 2500.0);
+    const struct {
+        QString text;
+        int loops;  // 0: no polygon
+        int curves;
+        double area;  // NaN: not checked
+        bool closed;
+        int lastSign;
+    } cases[] = {
+        {"0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0", 1, 4, 5000, true, 1},
+        // Kind 50 is a full circle and the rest of its loop is ignored.
+        {"10,20,5,50", 1, 1, M_PI * 25, true, 1},
+        {"10,20,5,50;99,99,0,0;7,7,7,7", 1, 1, M_PI * 25, true, 1},
+        {clockwiseSquare + "|||" + counterClockwiseHole, 2, 4, 7500, true, -1},
+        {"|||" + clockwiseSquare + "||||||" + counterClockwiseHole + "|||", 2, 4, 7500, true, -1},
+        {"0,0,10,50|||0,0,6,50", 2, 1, M_PI * 64, true, -1},  // a circle hole is turned clockwise
+        // Arc kinds draw arcs of the record's value: half circles bulging out of a square.
+        {"0,0,0,0;100,0,50,1;100,100,0,0;0,100,50,1", 1, 4, 10000 + M_PI * 2500, true, 1},
+        // An unknown kind leaves a gap; empty records are skipped and bad numbers read as zero.
+        {"0,0,0,0;10,0,0,7;10,10,0,0;0,10,0,0", 1, 3, std::nan(""), false, 0},
+        {"0,0,0,0;;100,0,0,0;;100,x,0,0;0,100,0,zz", 1, 4, std::nan(""), true, 0},
+        // One non-empty part is parsed whole, separators included: (0,0) to (0,0) and back.
+        {"a;b|||", 1, 2, 0, true, 0},
+        {"", 0}, {";10,0,0,0", 0}, {"|||;1,1,0,0|||;2,2,0,0", 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        const auto polygon = ParseSectionPolygon(c.text);
+        ASSERT_EQ(polygon != nullptr, c.loops > 0);
+        if (!polygon) continue;
+        ASSERT_EQ(polygon->GetLoopCount(), c.loops);
+        const ndp::CLoop& loop = *polygon->GetLoop(0);
+        EXPECT_EQ(loop.GetCount(), c.curves);
+        if (!std::isnan(c.area)) EXPECT_NEAR(polygon->Area(), c.area, 1e-6);
+        EXPECT_EQ(loop.IsClosed(), c.closed);
+        if (c.lastSign != 0) {
+            EXPECT_EQ(loop.ClockSign(), 1);
+            EXPECT_EQ(polygon->GetLoop(c.loops - 1)->ClockSign(), c.lastSign);
+        }
     }
-    // A hole written clockwise already stays as written; a circle hole is turned clockwise.
-    const auto ring = ParseSectionPolygon(QStringLiteral("0,0,10,50|||0,0,6,50"));
-    ASSERT_TRUE(ring);
-    EXPECT_EQ(ring->GetLoop(1)->ClockSign(), -1);
-    EXPECT_NEAR(ring->Area(), M_PI * (100 - 36), 1e-9);
 }
 
-TEST(SectionPolygonText, ArcKindsDrawArcsOfTheRecordsValue) {
-    // A 100 x 100 square whose right and left sides are half circles bulging outwards.
-    const auto polygon = ParseSectionPolygon(QStringLiteral("0,0,0,0;100,0,50,1;100,100,0,0;0,100,50,1"));
-    ASSERT_TRUE(polygon);
-    const ndp::CLoop& loop = *polygon->GetLoop(0);
-    ASSERT_EQ(loop.GetCount(), 4);
-    EXPECT_EQ(loop.GetCurve(1)->GetType(), ndp::EnCurveType::Arc);
-    EXPECT_EQ(loop.GetCurve(3)->GetType(), ndp::EnCurveType::Arc);
-    EXPECT_NEAR(polygon->Area(), 10000 + M_PI * 2500, 1e-6);
-}
+TEST(SectionPolygonText, CurvesHaveTheKindsAndPointsOfTheirRecords) {
+    auto loopOf = [](const char* text) { return ParseSectionPolygon(QString::fromLatin1(text)); };
+    const auto rectangle = loopOf("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0");
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(rectangle->GetLoop(0)->GetCurve(i)->GetType(), ndp::EnCurveType::Line);
+    EXPECT_EQ(startOf(*rectangle->GetLoop(0), 3), CPoint2d(0, 50));
+    EXPECT_EQ(rectangle->GetLoop(0)->GetCurve(3)->EndPoint(), CPoint2d(0, 0));
 
-TEST(SectionPolygonText, UnknownKindLeavesAGapButItsPointStartsTheNextSegment) {
-    const auto polygon = ParseSectionPolygon(QStringLiteral("0,0,0,0;10,0,0,7;10,10,0,0;0,10,0,0"));
-    ASSERT_TRUE(polygon);
-    const ndp::CLoop& loop = *polygon->GetLoop(0);
-    ASSERT_EQ(loop.GetCount(), 3);
-    EXPECT_EQ(startOf(loop, 1), CPoint2d(10, 10));
-    EXPECT_FALSE(loop.IsClosed());
-}
+    const auto* arc = dynamic_cast<const ndp::CArc2d*>(loopOf("10,20,5,50;99,99,0,0")->GetLoop(0)->GetCurve(0));
+    ASSERT_NE(arc, nullptr);
+    EXPECT_EQ(arc->Centre(), CPoint2d(10, 20));
+    EXPECT_EQ(arc->Radius(), 5.0);
+    EXPECT_TRUE(arc->IsFullCircle());
 
-TEST(SectionPolygonText, EmptyRecordsAreSkippedAndBadNumbersReadAsZero) {
-    const auto polygon = ParseSectionPolygon(QStringLiteral("0,0,0,0;;100,0,0,0;;100,x,0,0;0,100,0,zz"));
-    ASSERT_TRUE(polygon);
-    const ndp::CLoop& loop = *polygon->GetLoop(0);
-    ASSERT_EQ(loop.GetCount(), 4);
-    EXPECT_EQ(startOf(loop, 2), CPoint2d(100, 0));  // "100,x" is (100, 0)
-    EXPECT_EQ(loop.GetCurve(3)->GetType(), ndp::EnCurveType::Line);  // kind "zz" reads as a line
-}
+    const auto arcs = loopOf("0,0,0,0;100,0,50,1;100,100,0,0;0,100,50,1");
+    EXPECT_EQ(arcs->GetLoop(0)->GetCurve(1)->GetType(), ndp::EnCurveType::Arc);
+    EXPECT_EQ(arcs->GetLoop(0)->GetCurve(3)->GetType(), ndp::EnCurveType::Arc);
+    // The point of an unknown kind starts the next segment.
+    EXPECT_EQ(startOf(*loopOf("0,0,0,0;10,0,0,7;10,10,0,0;0,10,0,0")->GetLoop(0), 1), CPoint2d(10, 10));
+    const auto bad = loopOf("0,0,0,0;;100,0,0,0;;100,x,0,0;0,100,0,zz");
+    EXPECT_EQ(startOf(*bad->GetLoop(0), 2), CPoint2d(100, 0));                   // "100,x" is (100, 0)
+    EXPECT_EQ(bad->GetLoop(0)->GetCurve(3)->GetType(), ndp::EnCurveType::Line);  // kind "zz" reads as a line
 
-TEST(SectionPolygonText, OneNonEmptyPartIsParsedWholeSeparatorsIncluded) {
-    const auto polygon = ParseSectionPolygon(QStringLiteral("a;b|||"));
-    ASSERT_TRUE(polygon);
-    ASSERT_EQ(polygon->GetLoopCount(), 1);
-    EXPECT_EQ(polygon->GetLoop(0)->GetCount(), 2);  // (0,0) to (0,0) and back
-    EXPECT_EQ(polygon->Area(), 0.0);
-}
-
-TEST(SectionPolygonText, TextsWithoutALoopGiveNoPolygon) {
-    EXPECT_FALSE(ParseSectionPolygon(QString()));
-    EXPECT_FALSE(ParseSectionPolygon(QStringLiteral(";10,0,0,0")));
-    EXPECT_FALSE(ParseSectionPolygon(QStringLiteral("|||;1,1,0,0|||;2,2,0,0")));
     EXPECT_FALSE(ParseLoop(QStringLiteral(";"), true));
     // A loop of one record has a start but no segment.
     const auto single = ParseLoop(QStringLiteral("5,5,0,0"), true);
@@ -114,14 +95,9 @@ TEST(SectionPolygonText, TextsWithoutALoopGiveNoPolygon) {
     EXPECT_EQ(single->GetCount(), 0);
 }
 
-// What a text that is not an outline is refused for: the loop, the record and the field.
 TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndField) {
-    const struct {
-        const char* text;
-        const char* reason;  // empty: read
-    } cases[] = {
-        {"0,0,0,0;10,0,0,0;10,10,0,0", ""},
-        {"5,5,5,50|||5,5,2,50", ""},
+    const struct { const char* text; const char* reason; } cases[] = {  // reason empty: read
+        {"0,0,0,0;10,0,0,0;10,10,0,0", ""}, {"5,5,5,50|||5,5,2,50", ""},
         {"0,0,0,0;10,0,0,0;10,10,0,0|||1,1,0,0;2,x,0,0", "loop 2, record 2: 'x' is not a number"},
         {"0,0,0,0;10,0,0,7;10,10,0,0", "loop 1, record 2: '7' is no segment kind"},
         {"0,0,0,0;10,0,0,50;10,10,0,0", "loop 1, record 2: '50' is no segment kind"},
@@ -148,4 +124,39 @@ TEST(SectionPolygonText, OutlineAndItsTextGiveTheSamePolygon) {
     ASSERT_TRUE(fromText && fromLoops);
     ASSERT_EQ(fromLoops->GetLoopCount(), 2);
     EXPECT_NEAR(fromLoops->Area(), fromText->Area(), 1e-12);
+}
+
+TEST(OutlineCheck, RefusesEveryOutlineThatIsNotOneFiniteRegion) {
+    const QString rectangle = QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0");
+    const struct {
+        QString text;
+        const char* refusal;  // empty for a valid outline
+    } cases[] = {
+        {rectangle, ""},
+        {rectangle + "|||50,25,10,50", ""},                                        // a round hole
+        {rectangle + "|||10,10,0,0;30,10,0,0;30,30,0,0;10,30,0,0|||60,10,0,0;80,10,0,0;80,30,0,0", ""},
+        {"0,0,10,1;20,0,0,0;20,20,0,0;0,20,0,0", ""},                              // an arc edge
+        {"0,0,1e200,50", "loop 1 of the outline reaches beyond 1000000 mm"},
+        {"0,0,0,0;1e7,0,0,0;1e7,50,0,0", "loop 1 of the outline reaches beyond"},
+        {"0,0,0,0;100,0,0,0", "loop 1 of the outline does not close round an area"},
+        {"0,0,0,0;100,0,0,0;0,50,0,0;100,50,0,0", "loop 1 of the outline crosses itself near (50, 25)"},
+        {"71,0,190,0,00,0;79,0,0,0;79,190,0,0;9,0,0,0;79,190,0,0;150,;0,200,0,0;0,190,0,0;71,190,0,0",
+         "loop 1 of the outline crosses itself"},
+        {"0,0,0,0;100,0,0,0;100,50,0,0;100,0,0,0;0,50,0,0", "loop 1 of the outline crosses itself"},  // folds back
+        {rectangle + "|||200,10,0,0;210,10,0,0;210,20,0,0", "hole (loop 2) of the outline lies outside the outer loop near (200, 10)"},
+        {rectangle + "|||90,10,0,0;110,10,0,0;110,20,0,0", "hole (loop 2) of the outline crosses the outer loop"},
+        {rectangle + "|||10,10,0,0;30,10,0,0;30,30,0,0;10,30,0,0|||20,20,0,0;40,20,0,0;40,40,0,0;20,40,0,0",
+         "holes (loops 2 and 3) of the outline cross"},
+        {rectangle + "|||10,5,0,0;60,5,0,0;60,45,0,0;10,45,0,0|||20,20,0,0;30,20,0,0;30,30,0,0",
+         "hole (loop 3) of the outline lies inside hole (loop 2) near (20, 20)"},
+    };
+    for (const auto& outline : cases) {
+        SCOPED_TRACE(outline.text.toStdString());
+        const auto polygon = ParseSectionPolygon(outline.text);
+        ASSERT_NE(polygon, nullptr);
+        QString where;
+        const bool valid = checkSectionOutline(*polygon, &where);
+        EXPECT_EQ(valid, *outline.refusal == '\0') << qPrintable(where);
+        if (!valid) EXPECT_TRUE(where.startsWith(outline.refusal)) << qPrintable(where);
+    }
 }

@@ -1,6 +1,5 @@
-// Section properties of polygons of lines and arcs against the textbook formulas: rectangles,
-// circles, rings, half discs, slots, I sections and a plate with an off-centre hole; far from the
-// origin, with holes of either turning sense, and with arcs too flat for the direct formulas.
+// Section properties of polygons of lines and arcs against the textbook formulas: circles, rings,
+// half discs, slots, I sections, circular segments and arcs of every type; far from the origin, with holes of either turning sense, and with arcs too flat for the direct formulas.
 #include "ndp/NDPPolygon.h"
 #include "section_geometry/SKRSectionProperties.h"
 
@@ -65,16 +64,6 @@ CLoop* halfDisc(double r) {
 }
 
 }  // namespace
-
-TEST(SectionProperties, RectangleHasTheTextbookMoments) {
-    const double w = 120, h = 300;
-    const SKRSectionProperties p = SectionProperties(polygonOf({rectangle(10, 20, 10 + w, 20 + h)}));
-    expectProperties(p, {w * h, 10 + w / 2, 20 + h / 2, w * h * h * h / 12, h * w * w * w / 12, 0});
-    EXPECT_DOUBLE_EQ(p.perimeter, 2 * (w + h));
-    EXPECT_DOUBLE_EQ(p.outerPerimeter, 2 * (w + h));
-    EXPECT_DOUBLE_EQ(p.box.Min().x, 10);
-    EXPECT_DOUBLE_EQ(p.box.Max().y, 20 + h);
-}
 
 TEST(SectionProperties, CircleAndRingHaveTheTextbookMoments) {
     const double R = 44.5, r = 40.5, cx = 1000, cy = -500;

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
-
 #include <cmath>
 #include <random>
 #include <vector>
@@ -39,12 +37,11 @@ struct Pools {
                                   ";", "\\", "%1", "$", "^"});
     QStringList corpus = fromUtf8({
         "H400*200*8*13", "H400*200*8*13*12", "hn 400*200*8*13", "B300*10*12", "B300*200*10*12", "L100*10",
-        "L100*80*10", "L100", "D20", "D89*4", "200*300", "250", "i20a", "[20a", "C 200*70*20*2",
-        "Z270*80*8*3(ZDY)", "(ZDY)H400*200*8*13", "H(400~300)*200*8*10", "H400/300*200*8*10*12",
-        "H400*200/300*8*10", "D500~400*10", "BB400*300*200*150*10*12", "TY400*300*200*150*10",
-        "H400*200*8*13+H300*150*6*10", "HD300*10", "T400*200*10", "BS300", "WS300*8", "WSR300*8", "自定义截面7",
-        "□200*100*8", "TN200*200*8*12", "H400.5*200*8*13", "H400*200*8.*13", "H.5*200*8*13",
-    });
+        "L100*80*10", "L100", "D20", "D89*4", "200*300", "250", "i20a", "[20a", "C 200*70*20*2", "Z270*80*8*3(ZDY)",
+        "(ZDY)H400*200*8*13", "H(400~300)*200*8*10", "H400/300*200*8*10*12", "H400*200/300*8*10", "D500~400*10",
+        "BB400*300*200*150*10*12", "TY400*300*200*150*10", "H400*200*8*13+H300*150*6*10", "HD300*10", "T400*200*10",
+        "BS300", "WS300*8", "WSR300*8", "自定义截面7", "□200*100*8", "TN200*200*8*12", "H400.5*200*8*13",
+        "H400*200*8.*13", "H.5*200*8*13"});
 };
 
 class TextGenerator {
@@ -236,8 +233,6 @@ TEST(ParserProperty, GeneratedTextsKeepTheParserInvariants) {
     int failures = 0;
     int longest = 0;
     int nonEmptyTypes = 0;
-    QElapsedTimer clock;
-    clock.start();
     for (int i = 0; i < kTextCount && failures < kMaxReportedFailures; ++i) {
         const QString text = generator.next();
         longest = std::max(longest, int(text.size()));
@@ -275,5 +270,4 @@ TEST(ParserProperty, GeneratedTextsKeepTheParserInvariants) {
     EXPECT_GT(nonEmptyTypes, kTextCount / 10);
     EXPECT_LT(nonEmptyTypes, kTextCount - kTextCount / 10);
     EXPECT_GE(longest, 2000);
-    RecordProperty("milliseconds", int(clock.elapsed()));
 }
