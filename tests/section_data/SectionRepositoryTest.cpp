@@ -12,6 +12,8 @@
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/CatalogueTables.h"
+
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -51,11 +53,7 @@ protected:
     void makeSectionDb(bool withScheme) {
         ndp::CDatabase db;
         ASSERT_TRUE(db.Create(m_dir.filePath("SKRSectionPolyDB.KDB")));
-        db.CreateTable(L"SectionPolyInfor", {{L"PolyID", EnDBFieldKind::Int32, true},
-                                             {L"SubClassID", EnDBFieldKind::Int32},
-                                             {L"StandardName", EnDBFieldKind::Text, true},
-                                             {L"WeightMeter", EnDBFieldKind::Double},
-                                             {L"AreaVal", EnDBFieldKind::Double}});
+        db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
         ndp::CDBTable* params = db.CreateTable(
             L"SectionPolyParam",
             {{L"PolyID", EnDBFieldKind::Int32, true}, {L"SubClassID", EnDBFieldKind::Int32},
@@ -87,39 +85,39 @@ protected:
 
 }  // namespace
 
-TEST_F(SectionRepositoryTest, StartUpRegistersEveryProviderOnceAndIsIdempotent) {
-    makeSectionDb(true);
+// Which providers start-up registers: one per table the section database has, and the user
+// one always; a second start-up changes none of them.
+struct StartUpCase {
+    const char* name;
+    bool database, schemes;
+};
+class SectionRepositoryStartUp : public SectionRepositoryTest, public ::testing::WithParamInterface<StartUpCase> {};
+
+TEST_P(SectionRepositoryStartUp, RegistersAProviderForEachTableThereIsOnce) {
+    const StartUpCase c = GetParam();
+    if (c.database) makeSectionDb(c.schemes);
     skr::InitBXQSteelRepository(&m_project);
     SectionRepository* repository = FetchInstance<SectionRepository>();
     ASSERT_NE(repository, nullptr);
     EXPECT_EQ(repository->GetProjectDB(), m_project.getProjectDB());
-    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
-
-    auto* scheme = FetchInstance<SectionSchemeProvider>();
+    const auto providers = [] {
+        return std::make_tuple(FetchInstance<SKRHotRollingSectionDBProvider>(), FetchInstance<SectionParamProvider>(),
+                               FetchInstance<SectionSchemeProvider>(), FetchInstance<SKRUserHotRollingSectionDBProvider>());
+    };
+    const auto first = providers();
+    EXPECT_EQ(std::get<0>(first) != nullptr, c.database);
+    EXPECT_EQ(std::get<1>(first) != nullptr, c.database);
+    EXPECT_EQ(std::get<2>(first) != nullptr, c.schemes);
+    EXPECT_NE(std::get<3>(first), nullptr);
     skr::InitBXQSteelRepository(&m_project);
     EXPECT_EQ(FetchInstance<SectionRepository>(), repository);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), scheme);
+    EXPECT_EQ(providers(), first);
 }
 
-TEST_F(SectionRepositoryTest, MissingTableLeavesOnlyItsProviderAbsent) {
-    makeSectionDb(false);
-    skr::InitBXQSteelRepository(&m_project);
-    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-}
-
-TEST_F(SectionRepositoryTest, MissingSectionDatabaseLeavesTheCatalogueProvidersAbsent) {
-    skr::InitBXQSteelRepository(&m_project);
-    ASSERT_NE(FetchInstance<SectionRepository>(), nullptr);
-    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
-}
+INSTANTIATE_TEST_SUITE_P(Databases, SectionRepositoryStartUp,
+                         ::testing::Values(StartUpCase{"Full", true, true}, StartUpCase{"WithoutSchemes", true, false},
+                                           StartUpCase{"Missing", false, false}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
     makeSectionDb(true);
