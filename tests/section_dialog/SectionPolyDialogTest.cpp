@@ -2,26 +2,20 @@
 // the catalogue by typing (Chinese text as input-method commits), validator refusals, the
 // restriction and rule messages, accepting by OK and by double-click, positioning on a parsed
 // section, and adding and deleting user sections with undo.
-#include "section_dialog/SKRSectionPolyDialog.h"
+#include "SectionDialogFixture.h"
 
 #include "plugin/BXQTranslations.h"
-
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRSectionDbOperation.h"
-#include "section_dialog/SKRParamEditor.h"
-#include "section_spec/SKRPolyParamManger.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
+#include "section_spec/QtPrinters.h"
+#include "section_spec/SKRPolyParamManger.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
-#include "ndp/NDPPolygon.h"
-#include "ui/VMPMessageBox.h"
+#include "section_spec/SKRSectionTypeTable.h"
 #include "vmp/VMPCmdLogTool.h"
 #include "vmp/VMPUserTrace.h"
 
-#include "data/ShippedRepository.h"
-#include "section_spec/QtPrinters.h"
-#include "support/Screens.h"
 #include "support/VisibleTexts.h"
-#include "section_spec/SKRSectionTypeTable.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -29,82 +23,16 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTableView>
-#include <QTest>
 #include <QTimer>
 
 using skr::section::SKRHotRollingSection;
-
-namespace {
-
-class SectionPolyDialog : public ShippedRepositoryTest {
-protected:
-    void SetUp() override {
-        VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
-            m_boxes << box.text;
-            return m_answer;
-        });
-        m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-        m_dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_dialog.get()));
-    }
-    void TearDown() override {
-        m_dialog.reset();
-        VMPMessageBox::setAnswerer({});
-    }
-
-    template <typename T>
-    T* child(const QString& name) const {
-        return m_dialog->findChild<T*>(name);
-    }
-    QPushButton* button(const QString& text) const {
-        for (QPushButton* b : m_dialog->findChildren<QPushButton*>())
-            if (b->text() == text) return b;
-        return nullptr;
-    }
-    // Clicks the picture of a section type in the left table.
-    void chooseType(int polyId) {
-        auto* view = child<QTableView>(QStringLiteral("polyView"));
-        for (int row = 0; row < view->model()->rowCount(); ++row)
-            for (int column = 0; column < view->model()->columnCount(); ++column) {
-                const QModelIndex index = view->model()->index(row, column);
-                if (index.data(Qt::UserRole + 1).toInt() != polyId) continue;
-                view->scrollTo(index);
-                QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
-                return;
-            }
-        ADD_FAILURE() << "no picture of type " << polyId;
-    }
-    QTableView* list() const { return child<QTableView>(QStringLiteral("hotRolledView")); }
-    QStringList listedNames() const {
-        QStringList names;
-        for (int row = 0; row < list()->model()->rowCount(); ++row) names << list()->model()->index(row, 0).data().toString();
-        return names;
-    }
-    int rowOf(const QString& name) const { return listedNames().indexOf(name); }
-    void clickRow(int row, bool twice = false) {
-        const QModelIndex index = list()->model()->index(row, 0);
-        list()->scrollTo(index);
-        const QPoint at = list()->visualRect(index).center();
-        // A double click begins with a click of its own.
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, at);
-        if (twice) QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, at);
-    }
-    SKRParamEditor* editor() const { return m_dialog->findChild<SKRParamEditor*>(); }
-
-    std::unique_ptr<SKRSectionPolyDialog> m_dialog;
-    QStringList m_boxes;
-    QMessageBox::StandardButton m_answer = QMessageBox::Ok;
-};
-
-}  // namespace
+using SectionPolyDialog = SectionDialogTest;
 
 TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayout) {
     EXPECT_EQ(m_dialog->windowTitle(), QStringLiteral("截面库"));
     EXPECT_FALSE(m_dialog->isMoveEnabled());
     EXPECT_EQ(VMPUserTrace::lastEntry(), QStringLiteral("用户操作记录: 打开截面库"));
-    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    auto* view = types();
     const QModelIndex title = view->model()->index(0, 0);
     EXPECT_EQ(title.data().toString(), QStringLiteral("型钢截面"));
     EXPECT_EQ(view->columnSpan(0, 0), view->model()->columnCount());
@@ -122,7 +50,7 @@ TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayout) {
 
     chooseType(stI);
     EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_catalogue")));
-    QTest::mouseClick(button(QStringLiteral("查看型钢代号表")), Qt::LeftButton);
+    click(QStringLiteral("查看型钢代号表"));
     auto* codes = m_dialog->findChild<QLabel*>(QStringLiteral("normCodePicture"));
     ASSERT_NE(codes, nullptr);
     EXPECT_GT(codes->pixmap(Qt::ReturnByValue).height(), 300);
@@ -147,11 +75,10 @@ TEST_F(SectionPolyDialog, FilterTypedTextButShowsEverythingForChineseText) {
     filter->clear();
     EXPECT_EQ(filter->placeholderText(), QStringLiteral("快速搜索，如:C 200*70*20*2"));
 
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QString()));
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("C 200*70")));
-    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("a\u4E00")));
-    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA5")));
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA6\u4DFF")));
+    // Whether a text is free of Chinese: the range ends at U+9FA5 on both sides.
+    const std::pair<QString, bool> codes[] = {{"", true}, {"C 200*70", true}, {"a\u4E00", false}, {"\u9FA5", false},
+                                              {"\u9FA6\u4DFF", true}};
+    for (const auto& code : codes) EXPECT_EQ(SKRSectionPolyDialog::isChineseCode(code.first), code.second) << code.first.toStdString();
 }
 
 TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsIt) {
@@ -205,7 +132,7 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
 
     // A web as wide as the flange fails the norm's rule b>tw: the dialog says so and stays open.
     params->lineEdit(1)->setText(QStringLiteral("8"));
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_TRUE(m_dialog->isVisible());
     params->lineEdit(1)->setText(QStringLiteral("300"));
@@ -213,7 +140,7 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
     EXPECT_EQ(params->hint(), QStringLiteral("规格示例：H400*300*8*13*13"));  // what the figures make
     params->lineEdit(1)->setText(QStringLiteral("200"));
     params->editingFinish(1);
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_EQ(m_boxes.size(), 1) << m_boxes.join(' ').toStdString();
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
     const SKRSectionPolyDlgResult result = m_dialog->result();
@@ -237,7 +164,7 @@ TEST_F(SectionPolyDialog, RestrictionNamesTheAcceptedTypesOnce) {
     ASSERT_EQ(m_boxes, QStringList{expected});
     EXPECT_TRUE(m_dialog->isVisible());
     chooseType(stWeldedH);
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_EQ(m_boxes.size(), 1);
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
 }
@@ -274,8 +201,7 @@ TEST_F(SectionPolyDialog, DeletingAUserSectionAsksAndCanBeUndone) {
     section.standardName = L"I99x(ZDY)";
     section.weightMeter = 12.5;
     ASSERT_TRUE(user->addSection(section));
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);  // lists the sections there are when it opens
-    m_dialog->show();
+    openDialog();
     VMPCmdLogTool* log = VMPCmdLogTool::getInstance();
     log->setDatabase(s_model->getProjectDB());
     int calls = 0;
@@ -289,13 +215,13 @@ TEST_F(SectionPolyDialog, DeletingAUserSectionAsksAndCanBeUndone) {
     EXPECT_TRUE(button(QStringLiteral("编辑自定义截面"))->isEnabled());
 
     m_answer = QMessageBox::Cancel;
-    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    click(QStringLiteral("删除自定义截面"));
     ASSERT_EQ(m_boxes, QStringList{QStringLiteral("删除该自定义截面，将会删除三维模型中的所有该截面图元和构件")});
     EXPECT_EQ(calls, 0);
     EXPECT_FALSE(log->canUndo());
 
     m_answer = QMessageBox::Ok;
-    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    click(QStringLiteral("删除自定义截面"));
     EXPECT_EQ(calls, 1);
     EXPECT_FALSE(user->findByName(L"I99x(ZDY)").first);
     EXPECT_EQ(rowOf(QStringLiteral("I99x(ZDY)")), -1);
@@ -317,16 +243,13 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
             QWidget* modal = QApplication::activeModalWidget();
             ASSERT_NE(modal, m_dialog.get());
             const QList<QLineEdit*> fields = modal->findChildren<QLineEdit*>();
-            fields[0]->setText(QStringLiteral("Z"));
-            fields[1]->setText(size);
-            fields[2]->setText(QStringLiteral("12"));
-            fields[3]->setText(QStringLiteral("0.9"));
+            const QStringList texts{"Z", size, "12", "0.9"};
+            for (int i = 0; i < texts.size(); ++i) fields[i]->setText(texts[i]);
             typedInto << modal->windowTitle();
-            for (QPushButton* b : modal->findChildren<QPushButton*>())
-                if (b->text() == QStringLiteral("确定")) b->click();
+            AnsweredBoxesTest::button(*modal, QStringLiteral("确定"))->click();
             if (modal->isVisible()) static_cast<QDialog*>(modal)->reject();
         });
-        QTest::mouseClick(button(QStringLiteral("添加自定义截面")), Qt::LeftButton);
+        click(QStringLiteral("添加自定义截面"));
     };
     fill(QStringLiteral("271*80*8*3"));
     EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
@@ -346,15 +269,14 @@ TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
     drawn.insertPointX = 50;
     drawn.insertPointY = 25;
     ASSERT_TRUE(SKRSectionDbOperation(s_model->getProjectDB()).addCustomPoly(drawn));
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-    m_dialog->show();
-    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    openDialog();
+    auto* view = types();
     const QModelIndex title = view->model()->index(view->model()->rowCount() - 2, 0);
     EXPECT_EQ(title.data().toString(), QStringLiteral("自定义截面"));
     EXPECT_FALSE(view->model()->index(view->model()->rowCount() - 1, 0).data(Qt::DecorationRole).value<QPixmap>().isNull());
 
     m_dialog->setParameter(parse(drawn.description));
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
     EXPECT_NE(m_dialog->result().paramManager, nullptr);
@@ -383,8 +305,7 @@ TEST_F(SectionPolyDialog, SpeaksTheInstalledLanguage) {
 
     // Every page of every section type shows English only (a user's custom drawing keeps the name
     // it was stored under: that is data, not the dialog's text).
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-    m_dialog->show();
+    openDialog();
     for (const skr::section::SKRSectionTypeDescriptor& type : skr::section::sectionTypeTable()) {
         chooseType(type.type);
         QStringList chinese = bxqtest::chineseTexts(m_dialog.get());

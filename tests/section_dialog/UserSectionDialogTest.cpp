@@ -1,19 +1,16 @@
 // The dialog of user hot-rolled sections driven by typing: the "(ZDY)" name it stores, the keys
-// each field refuses, a size that makes no section, a name that exists, and edit mode.
+// each field refuses, a size that makes no section, a name that exists, edit mode, and a project
+// another writer holds.
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
+
 #include "ndp/NDPDatabase.h"
-
 #include "section_data/SKRHotRollingSectionDBProvider.h"
-#include "ui/VMPMessageBox.h"
 
-#include "data/ShippedRepository.h"
-#include "support/Screens.h"
+#include "SectionDialogFixture.h"
 
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 
 using skr::section::SKRHotRollingSection;
 
@@ -21,31 +18,30 @@ Q_DECLARE_METATYPE(skr::section::SKRHotRollingSection)
 
 namespace {
 
-class UserSectionDialog : public ShippedRepositoryTest {
+class UserSectionDialog : public AnsweredBoxesTest {
 protected:
     void SetUp() override {
-        VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
-            m_boxes << box.text;
-            return QMessageBox::Ok;
-        });
+        AnsweredBoxesTest::SetUp();
         m_user = skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>();
         ASSERT_NE(m_user, nullptr);
     }
-    void TearDown() override { VMPMessageBox::setAnswerer({}); }
-
-    static QList<QLineEdit*> edits(QWidget& dialog) { return dialog.findChildren<QLineEdit*>(); }
-    static QPushButton* button(QWidget& dialog, const QString& text) {
-        for (QPushButton* b : dialog.findChildren<QPushButton*>())
-            if (b->text() == text) return b;
-        return nullptr;
+    // Sets the fields in order: code, size, weight, surface.
+    static QList<QLineEdit*> fill(QWidget& dialog, const QStringList& texts) {
+        const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
+        for (int i = 0; i < texts.size() && i < fields.size(); ++i) fields[i]->setText(texts[i]);
+        return fields;
     }
-    static void type(QLineEdit* edit, const QString& text) {
-        edit->setFocus();
-        QTest::keyClicks(edit, text);
+    void addSection(const wchar_t* name, int type, int sub, double weight = 0, double area = 0) {
+        SKRHotRollingSection section;
+        section.sectionType = type;
+        section.subId = sub;
+        section.standardName = name;
+        section.weightMeter = weight;
+        section.area = area;
+        ASSERT_TRUE(m_user->addSection(section));
     }
 
     skr::section::SKRUserHotRollingSectionDBProvider* m_user = nullptr;
-    QStringList m_boxes;
 };
 
 }  // namespace
@@ -53,21 +49,22 @@ protected:
 TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
     SKRUserHotRollingSectionDialog dialog(9, 1);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("添加自定义截面"));
-    const QList<QLineEdit*> fields = edits(dialog);
+    const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
     ASSERT_EQ(fields.size(), 4);
     EXPECT_EQ(fields[0]->placeholderText(), QStringLiteral("(ZDY)"));
     EXPECT_FALSE(fields[1]->placeholderText().isEmpty());
     EXPECT_EQ(fields[2]->placeholderText(), QStringLiteral("[0,10000)"));
     dialog.show();
-    type(fields[0], QStringLiteral("Z9"));  // digits are refused in the code
-    type(fields[1], QStringLiteral("270*80*8*3a"));
-    type(fields[2], QStringLiteral("12345"));  // the fifth integer digit is refused
-    type(fields[3], QStringLiteral("0.7a"));
-    EXPECT_EQ(fields[0]->text(), QStringLiteral("Z"));
-    EXPECT_EQ(fields[1]->text(), QStringLiteral("270*80*8*3"));
-    EXPECT_EQ(fields[2]->text(), QStringLiteral("1234"));
+    // Digits are refused in the code, letters in the size, a fifth integer digit in the weight.
+    const std::pair<QString, QString> typed[] = {
+        {"Z9", "Z"}, {"270*80*8*3a", "270*80*8*3"}, {"12345", "1234"}, {"0.7a", "0.7"}};
+    for (int i = 0; i < 4; ++i) {
+        fields[i]->setFocus();
+        QTest::keyClicks(fields[i], typed[i].first);
+        EXPECT_EQ(fields[i]->text(), typed[i].second);
+    }
     fields[2]->clear();
-    type(fields[2], QStringLiteral("1234.5"));
+    QTest::keyClicks(fields[2], QStringLiteral("1234.5"));
     EXPECT_EQ(fields[2]->text(), QStringLiteral("1234.5"));
     EXPECT_TRUE(saveScreen(dialog, QStringLiteral("user_section_dialog")));
 
@@ -87,28 +84,19 @@ TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
 
 TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExists) {
     SKRUserHotRollingSectionDialog bad(9, 1);
-    QList<QLineEdit*> fields = edits(bad);
-    fields[0]->setText(QStringLiteral("Z"));
-    fields[1]->setText(QStringLiteral("270*80"));  // two of four dimensions
-    fields[2]->setText(QStringLiteral("10"));
+    const QList<QLineEdit*> fields = fill(bad, {"Z", "270*80", "10"});  // two of four dimensions
     bad.okSlot();
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_EQ(m_boxes[0], QStringLiteral("输入的“规格尺寸”有误，请查证。"));
     EXPECT_EQ(bad.result(), QDialog::Rejected);
     EXPECT_EQ(fields[1]->text(), QStringLiteral("270*80"));  // left as typed
-    fields[1]->setText(QStringLiteral("270*80*8*0.1"));  // a wall below its range
+    fields[1]->setText(QStringLiteral("270*80*8*0.1"));    // a wall below its range
     bad.okSlot();
     EXPECT_EQ(m_boxes.size(), 2);
 
-    SKRHotRollingSection existing;
-    existing.sectionType = 9;
-    existing.subId = 2;
-    existing.standardName = L"Z300*90*20*3(ZDY)";
-    ASSERT_TRUE(m_user->addSection(existing));
+    addSection(L"Z300*90*20*3(ZDY)", 9, 2);
     SKRUserHotRollingSectionDialog twice(9, 3);
-    fields = edits(twice);
-    fields[0]->setText(QStringLiteral("Z"));
-    fields[1]->setText(QStringLiteral("300*90*20*3"));
+    fill(twice, {"Z", "300*90*20*3"});
     twice.okSlot();
     ASSERT_EQ(m_boxes.size(), 3);
     EXPECT_EQ(m_boxes[2], QStringLiteral("注：规格名称已存在,请重新输入."));
@@ -116,17 +104,11 @@ TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExists) {
 }
 
 TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures) {
-    SKRHotRollingSection stored;
-    stored.sectionType = 7;
-    stored.subId = 9;
-    stored.standardName = L"HW100*100(ZDY)";
-    stored.weightMeter = 17.2;
-    stored.area = 0.574;
-    ASSERT_TRUE(m_user->addSection(stored));
+    addSection(L"HW100*100(ZDY)", 7, 9, 17.2, 0.574);
     SKRUserHotRollingSectionDialog dialog(7, 9, QStringLiteral("HW100*100(ZDY)"));
     EXPECT_TRUE(dialog.isEditMode());
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("编辑自定义截面"));
-    const QList<QLineEdit*> fields = edits(dialog);
+    const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
     EXPECT_EQ(fields[0]->text(), QStringLiteral("HW"));
     EXPECT_EQ(fields[1]->text(), QStringLiteral("100*100"));
     EXPECT_EQ(fields[2]->text(), QStringLiteral("17.2"));
@@ -143,14 +125,11 @@ TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures)
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(m_boxes.size(), 1);
 
-    SKRHotRollingSection full = stored;
-    full.standardName = L"HW100*100*6*8(ZDY)";
-    full.subId = 10;
-    ASSERT_TRUE(m_user->addSection(full));
+    addSection(L"HW100*100*6*8(ZDY)", 7, 10, 17.2, 0.574);
     SKRUserHotRollingSectionDialog edit(7, 10, QStringLiteral("HW100*100*6*8(ZDY)"));
     SKRHotRollingSection received;
     edit.setSectionModifyHandler([&received](const SKRHotRollingSection& s) { received = s; });
-    edits(edit)[2]->setText(QStringLiteral("17.3"));
+    edit.findChildren<QLineEdit*>()[2]->setText(QStringLiteral("17.3"));
     edit.okSlot();
     EXPECT_EQ(edit.result(), QDialog::Accepted);
     EXPECT_EQ(received.standardName, L"HW100*100*6*8(ZDY)");
@@ -166,14 +145,8 @@ TEST_F(UserSectionDialog, AProjectHeldByAnotherWriterIsSaidBusyNotTakenForANameT
     ASSERT_TRUE(other.BeginTransaction());  // holds the write lock
     const int wait = ndp::CDatabase::GetBusyTimeout();
     ndp::CDatabase::SetBusyTimeout(100);
-
     SKRUserHotRollingSectionDialog dialog(9, 7);
-    const QList<QLineEdit*> fields = edits(dialog);
-    ASSERT_EQ(fields.size(), 4);
-    fields[0]->setText(QStringLiteral("Z"));
-    fields[1]->setText(QStringLiteral("250*75*20*2.5"));
-    fields[2]->setText(QStringLiteral("10"));
-    fields[3]->setText(QStringLiteral("0.5"));
+    ASSERT_EQ(fill(dialog, {"Z", "250*75*20*2.5", "10", "0.5"}).size(), 4);
     dialog.okSlot();
     ndp::CDatabase::SetBusyTimeout(wait);
     ASSERT_EQ(m_boxes.size(), 1);
