@@ -8,7 +8,9 @@
 #include "ndp/NDPPolygon.h"
 #include "vmp/VMPProjectModel.h"
 
-#include "HotRollingCatalogue.h"
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
 
 #include <memory>
 #include <stdexcept>
@@ -46,7 +48,12 @@ QByteArray drawingBytes() {
 }
 
 std::string thrownBy(ndp::CDatabase* db) {
-    return cattest::thrown<std::invalid_argument>([db] { SKRSectionDbOperation store(db); });
+    try {
+        SKRSectionDbOperation store(db);
+    } catch (const std::invalid_argument& e) {
+        return e.what();
+    }
+    return "nothing thrown";
 }
 
 class CustomPolyStoreTest : public ::testing::Test {
@@ -92,7 +99,11 @@ protected:
         return rows;
     }
 
-    int polyRowCount() { return cattest::rowCount(table(L"CustomPoly")); }
+    int polyRowCount() {
+        ndp::CFileAddressList all;
+        table(L"CustomPoly")->ListAll(all);
+        return all.GetCount();
+    }
 
     // A field of the "CustomPoly" row with that ID, read straight from the table.
     template <typename Read>
