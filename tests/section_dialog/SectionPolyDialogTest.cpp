@@ -10,7 +10,6 @@
 #include "section_geometry/SKRSectionPolygonParser.h"
 #include "section_spec/QtPrinters.h"
 #include "section_spec/SKRPolyParamManger.h"
-#include "section_spec/SKRSectionPolyInfoParser.h"
 #include "section_spec/SKRSectionTypeTable.h"
 #include "vmp/VMPCmdLogTool.h"
 #include "vmp/VMPUserTrace.h"
