@@ -36,7 +36,6 @@ using ndp::EnDBFieldKind;
 
 namespace {
 
-
 using Params = std::vector<std::pair<std::wstring, double>>;
 
 const Params kUserParams{{L"h", 270}, {L"b", 80.25}};
@@ -60,7 +59,7 @@ int rowCount(ndp::CDBTable* table) {
 
 // A system row: the keys, name, weight and area, then the parameter texts in field order.
 void addRow(ndp::CDBTable* table, int type, int sub, const std::wstring& name, double weight, double area,
-                   const std::vector<std::wstring>& params) {
+            const std::vector<std::wstring>& params) {
     ndp::CDBRecord* record = table->CreateRecord();
     record->SetInt(0, type);
     record->SetInt(1, sub);
