@@ -127,7 +127,7 @@ auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
 
 }  // namespace
 
-TEST_F(CustomPolyStoreTest, FirstPolygonsOfAnEmptyProjectGetConsecutiveIdsAndATypeRowEach) {
+TEST_F(CustomPolyStoreTest, FirstPolygonsGetConsecutiveIdsAndATypeRowEachAndARemovalIsNotFlushed) {
     CPolygon polygon = plate(80);
     const SKRCustomPolyInfo first = added(&polygon);
     EXPECT_EQ(first.id, 1);
@@ -142,6 +142,24 @@ TEST_F(CustomPolyStoreTest, FirstPolygonsOfAnEmptyProjectGetConsecutiveIdsAndATy
     EXPECT_EQ(second.description, QStringLiteral("自定义截面2"));
     EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}, {2, L"自定义截面类型"}}));
     EXPECT_EQ(polyField(2, L"CustomPolyTypeID", readInt), 2);
+
+    // A removal holds for the session but is not flushed.
+    EXPECT_TRUE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(9));
+
+    SKRCustomPolyInfo got;
+    CPolygon read;
+    QString error;
+    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
+    EXPECT_EQ(polyRowCount(), 1);
+
+    reopen();  // nothing flushed the removal
+    EXPECT_EQ(polyRowCount(), 2);
+    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
 }
 
 TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
@@ -221,28 +239,6 @@ TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentica
     EXPECT_EQ(polyField(info.id, L"CustomPolyTypeID", readInt), 1);
     EXPECT_EQ(polyField(info.id, L"TypeName", readText), L"自定义截面类型");
     EXPECT_EQ(polyRowCount(), 1);
-}
-
-TEST_F(CustomPolyStoreTest, RemoveDeletesInTheSessionButIsNotFlushed) {
-    CPolygon polygon = plate(80);
-    added(&polygon);
-    added(&polygon);
-    EXPECT_TRUE(m_store->removeCustomPoly(1));
-    EXPECT_FALSE(m_store->removeCustomPoly(1));
-    EXPECT_FALSE(m_store->removeCustomPoly(9));
-
-    SKRCustomPolyInfo got;
-    CPolygon read;
-    QString error;
-    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
-    EXPECT_EQ(polyRowCount(), 1);
-
-    reopen();  // nothing flushed the removal
-    EXPECT_EQ(polyRowCount(), 2);
-    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
-    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
 }
 
 TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
