@@ -1,9 +1,6 @@
 // The custom polygon store on a real project file: IDs and type rows of new polygons, what
-// survives closing and reopening the project (flushed or not), updates, removals, refusals and
-// the translated names.
+// survives closing and reopening the project (flushed or not), updates, removals and refusals.
 #include "section_data/SKRSectionDbOperation.h"
-
-#include "plugin/BXQTranslations.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
@@ -13,9 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
-#include <QTranslator>
 
 #include <memory>
 #include <stdexcept>
@@ -61,42 +56,28 @@ std::string thrownBy(ndp::CDatabase* db) {
     return "nothing thrown";
 }
 
-// Removes every translator installed on the application, whatever the test did.
-struct TranslationGuard {
-    ~TranslationGuard() {
-        for (QTranslator* translator : QCoreApplication::instance()->findChildren<QTranslator*>()) {
-            QCoreApplication::removeTranslator(translator);
-            delete translator;
-        }
-    }
-};
-
 class CustomPolyStoreTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
-        m_path = m_dir.filePath("project.KDB");
-        reopen();
-    }
+    void SetUp() override { reopen(); }
 
     // Closes the project, discarding whatever was not flushed, and opens it again.
     void reopen() {
         m_store.reset();
         m_project.reset();
         m_project = std::make_unique<VMPProjectModel>();
-        ASSERT_TRUE(m_project->open(m_path)) << qPrintable(m_project->lastError());
+        ASSERT_TRUE(m_project->open(m_dir.filePath("project.KDB"))) << qPrintable(m_project->lastError());
         m_store = std::make_unique<SKRSectionDbOperation>(db());
     }
 
     ndp::CDatabase* db() { return m_project->getProjectDB(); }
     ndp::CDBTable* table(const wchar_t* name) { return db()->GetTable(name); }
 
-    SKRCustomPolyInfo added(CPolygon* polygon, const QString& horz = QStringLiteral("100")) {
+    SKRCustomPolyInfo added(CPolygon* polygon) {
         SKRCustomPolyInfo info;
         info.polygon = polygon;
         info.insertPointX = 12.5;
         info.insertPointY = -7.25;
-        info.horzSpace = horz;
+        info.horzSpace = QStringLiteral("100");
         info.vertSpace = QStringLiteral("50");
         info.vectorDrawingInfo = drawingBytes();
         EXPECT_TRUE(m_store->addCustomPoly(info));
@@ -137,7 +118,6 @@ protected:
     }
 
     QTemporaryDir m_dir;
-    QString m_path;
     std::unique_ptr<VMPProjectModel> m_project;
     std::unique_ptr<SKRSectionDbOperation> m_store;
 };
@@ -147,10 +127,7 @@ auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------
-// Adding
-
-TEST_F(CustomPolyStoreTest, FirstPolygonsOfAnEmptyProjectGetConsecutiveIdsAndATypeRowEach) {
+TEST_F(CustomPolyStoreTest, FirstPolygonsGetConsecutiveIdsAndATypeRowEachAndARemovalIsNotFlushed) {
     CPolygon polygon = plate(80);
     const SKRCustomPolyInfo first = added(&polygon);
     EXPECT_EQ(first.id, 1);
@@ -165,6 +142,24 @@ TEST_F(CustomPolyStoreTest, FirstPolygonsOfAnEmptyProjectGetConsecutiveIdsAndATy
     EXPECT_EQ(second.description, QStringLiteral("自定义截面2"));
     EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}, {2, L"自定义截面类型"}}));
     EXPECT_EQ(polyField(2, L"CustomPolyTypeID", readInt), 2);
+
+    // A removal holds for the session but is not flushed.
+    EXPECT_TRUE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(9));
+
+    SKRCustomPolyInfo got;
+    CPolygon read;
+    QString error;
+    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
+    EXPECT_EQ(polyRowCount(), 1);
+
+    reopen();  // nothing flushed the removal
+    EXPECT_EQ(polyRowCount(), 2);
+    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
 }
 
 TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
@@ -186,11 +181,10 @@ TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
     EXPECT_EQ(polyField(42, L"CustomPolyTypeID", readInt), 0);
 }
 
-TEST_F(CustomPolyStoreTest, AddedPolygonIsFlushedAndReadsBackIdenticalAfterReopening) {
+TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentical) {
     CPolygon polygon = plate(120.3);
-    const SKRCustomPolyInfo info = added(&polygon);
+    SKRCustomPolyInfo info = added(&polygon);
     reopen();
-
     CPolygon read;
     SKRCustomPolyInfo got;
     QString error;
@@ -205,7 +199,6 @@ TEST_F(CustomPolyStoreTest, AddedPolygonIsFlushedAndReadsBackIdenticalAfterReope
     EXPECT_EQ(got.horzSpace, QStringLiteral("100"));
     EXPECT_EQ(got.vertSpace, QStringLiteral("50"));
     EXPECT_EQ(got.vectorDrawingInfo, drawingBytes());
-
     // The reader without the drawing leaves it out.
     SKRCustomPolyInfo plain;
     plain.vectorDrawingInfo = QByteArray("stale");
@@ -215,18 +208,18 @@ TEST_F(CustomPolyStoreTest, AddedPolygonIsFlushedAndReadsBackIdenticalAfterReope
     EXPECT_EQ(plain.polygon, &outline);
     EXPECT_EQ(plain.horzSpace, QStringLiteral("100"));
     EXPECT_TRUE(plain.vectorDrawingInfo.isEmpty());
-}
 
-// ---------------------------------------------------------------------------------------------
-// Updating and removing
-
-TEST_F(CustomPolyStoreTest, UpdateRewritesTheFieldsAndIsFlushed) {
-    CPolygon polygon = plate(80);
-    SKRCustomPolyInfo info = added(&polygon);
+    // An update of an ID there is not changes nothing.
     CPolygon changed = plate(95);
     changed.GetLoop(1)->Reverse();
     info.description = QStringLiteral("底板");
     info.polygon = &changed;
+    for (int missing : {5, -1}) {
+        SKRCustomPolyInfo other = info;
+        other.id = missing;
+        EXPECT_FALSE(m_store->updateCustomPoly(other));
+    }
+    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
     info.insertPointX = 1.0 / 3;
     info.insertPointY = 2e-9;
     info.horzSpace = QStringLiteral("150");
@@ -234,9 +227,6 @@ TEST_F(CustomPolyStoreTest, UpdateRewritesTheFieldsAndIsFlushed) {
     info.vectorDrawingInfo = QByteArray(3, '\0');
     ASSERT_TRUE(m_store->updateCustomPoly(info));
     reopen();  // without saving: the update flushed
-
-    SKRCustomPolyInfo got;
-    CPolygon read;
     ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
     EXPECT_EQ(got.description, QStringLiteral("底板"));
     EXPECT_EQ(read, changed);
@@ -251,62 +241,17 @@ TEST_F(CustomPolyStoreTest, UpdateRewritesTheFieldsAndIsFlushed) {
     EXPECT_EQ(polyRowCount(), 1);
 }
 
-TEST_F(CustomPolyStoreTest, UpdateOfAMissingIdChangesNothing) {
-    CPolygon polygon = plate(80);
-    SKRCustomPolyInfo info = added(&polygon);
-    info.id = 5;
-    info.description = QStringLiteral("other");
-    EXPECT_FALSE(m_store->updateCustomPoly(info));
-    info.id = -1;
-    EXPECT_FALSE(m_store->updateCustomPoly(info));
-    EXPECT_EQ(polyRowCount(), 1);
-    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
-}
-
-TEST_F(CustomPolyStoreTest, RemoveDeletesInTheSessionButIsNotFlushed) {
-    CPolygon polygon = plate(80);
-    added(&polygon);
-    added(&polygon);
-    EXPECT_TRUE(m_store->removeCustomPoly(1));
-    EXPECT_FALSE(m_store->removeCustomPoly(1));
-    EXPECT_FALSE(m_store->removeCustomPoly(9));
-
-    SKRCustomPolyInfo got;
-    CPolygon read;
-    QString error;
-    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
-    EXPECT_EQ(polyRowCount(), 1);
-
-    reopen();  // nothing flushed the removal
-    EXPECT_EQ(polyRowCount(), 2);
-    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
-    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
-}
-
-// ---------------------------------------------------------------------------------------------
-// Refusals
-
 TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
     EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
-
     QTemporaryDir dir;
-    ndp::CDatabase onlyPolys;
-    ASSERT_TRUE(onlyPolys.Create(dir.filePath("a.KDB")));
-    onlyPolys.CreateTable(L"CustomPoly", {{L"ID", EnDBFieldKind::Int32, true}});
-    EXPECT_EQ(thrownBy(&onlyPolys), kCannotAccept);
-
-    ndp::CDatabase onlyTypes;
-    ASSERT_TRUE(onlyTypes.Create(dir.filePath("b.KDB")));
-    onlyTypes.CreateTable(L"CustomPolyType", {{L"ID", EnDBFieldKind::Int32, true}});
-    EXPECT_EQ(thrownBy(&onlyTypes), kCannotAccept);
-
+    for (const wchar_t* only : {L"CustomPoly", L"CustomPolyType"}) {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(dir.filePath(QString::fromWCharArray(only) + ".KDB")));
+        db.CreateTable(only, {{L"ID", EnDBFieldKind::Int32, true}});
+        EXPECT_EQ(thrownBy(&db), kCannotAccept) << only;
+    }
     ndp::CDatabase both;
-    ASSERT_TRUE(both.Create(dir.filePath("c.KDB")));
+    ASSERT_TRUE(both.Create(dir.filePath("both.KDB")));
     ASSERT_TRUE(VMPProjectModel::createProjectTables(&both));
     EXPECT_EQ(thrownBy(&both), "nothing thrown");
 }
-
-// ---------------------------------------------------------------------------------------------
-// Translation

@@ -1,6 +1,8 @@
-// Start-up and shut-down of the section repository, its providers per table, and the scheme and
-// parameter providers, on databases made in a temporary data folder.
+// The object registry and its typed layer (keys, collisions, ownership); start-up and shut-down of
+// the section repository, its providers per table, and the scheme and parameter providers, on
+// databases made in a temporary data folder.
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRObjectRegistry.h"
 #include "section_data/SectionRepository.h"
 #include "section_data/SKRSectionPolyDBManager.h"
 #include "section_data/SectionSchemeProvider.h"
@@ -12,13 +14,15 @@
 #include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/CatalogueTables.h"
+
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
 using namespace skr::section;
 using ndp::EnDBFieldKind;
-using skr::util::FetchInstance;
+using namespace skr::util;
 
 namespace {
 
@@ -51,11 +55,7 @@ protected:
     void makeSectionDb(bool withScheme) {
         ndp::CDatabase db;
         ASSERT_TRUE(db.Create(m_dir.filePath("SKRSectionPolyDB.KDB")));
-        db.CreateTable(L"SectionPolyInfor", {{L"PolyID", EnDBFieldKind::Int32, true},
-                                             {L"SubClassID", EnDBFieldKind::Int32},
-                                             {L"StandardName", EnDBFieldKind::Text, true},
-                                             {L"WeightMeter", EnDBFieldKind::Double},
-                                             {L"AreaVal", EnDBFieldKind::Double}});
+        db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
         ndp::CDBTable* params = db.CreateTable(
             L"SectionPolyParam",
             {{L"PolyID", EnDBFieldKind::Int32, true}, {L"SubClassID", EnDBFieldKind::Int32},
@@ -81,45 +81,50 @@ protected:
         ASSERT_TRUE(db.Flush());
     }
 
+    // Which providers are registered: catalogue, parameters, schemes, user sections.
+    static void expectProviders(bool catalogue, bool params, bool schemes, bool user) {
+        EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>() != nullptr, catalogue);
+        EXPECT_EQ(FetchInstance<SectionParamProvider>() != nullptr, params);
+        EXPECT_EQ(FetchInstance<SectionSchemeProvider>() != nullptr, schemes);
+        EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>() != nullptr, user);
+    }
+
     QTemporaryDir m_dir;
     VMPProjectModel m_project;
 };
 
 }  // namespace
 
-TEST_F(SectionRepositoryTest, StartUpRegistersEveryProviderOnceAndIsIdempotent) {
-    makeSectionDb(true);
+// Which providers start-up registers: one per table the section database has, and the user
+// one always; a second start-up changes none of them.
+struct StartUpCase {
+    const char* name;
+    bool database, schemes;
+};
+class SectionRepositoryStartUp : public SectionRepositoryTest, public ::testing::WithParamInterface<StartUpCase> {};
+
+TEST_P(SectionRepositoryStartUp, RegistersAProviderForEachTableThereIsOnce) {
+    const StartUpCase c = GetParam();
+    if (c.database) makeSectionDb(c.schemes);
     skr::InitBXQSteelRepository(&m_project);
     SectionRepository* repository = FetchInstance<SectionRepository>();
     ASSERT_NE(repository, nullptr);
     EXPECT_EQ(repository->GetProjectDB(), m_project.getProjectDB());
-    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
-
-    auto* scheme = FetchInstance<SectionSchemeProvider>();
+    const auto providers = [] {
+        return std::make_tuple(FetchInstance<SKRHotRollingSectionDBProvider>(), FetchInstance<SectionParamProvider>(),
+                               FetchInstance<SectionSchemeProvider>(), FetchInstance<SKRUserHotRollingSectionDBProvider>());
+    };
+    const auto first = providers();
+    expectProviders(c.database, c.database, c.schemes, true);
     skr::InitBXQSteelRepository(&m_project);
     EXPECT_EQ(FetchInstance<SectionRepository>(), repository);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), scheme);
+    EXPECT_EQ(providers(), first);
 }
 
-TEST_F(SectionRepositoryTest, MissingTableLeavesOnlyItsProviderAbsent) {
-    makeSectionDb(false);
-    skr::InitBXQSteelRepository(&m_project);
-    EXPECT_NE(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-}
-
-TEST_F(SectionRepositoryTest, MissingSectionDatabaseLeavesTheCatalogueProvidersAbsent) {
-    skr::InitBXQSteelRepository(&m_project);
-    ASSERT_NE(FetchInstance<SectionRepository>(), nullptr);
-    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
-}
+INSTANTIATE_TEST_SUITE_P(Databases, SectionRepositoryStartUp,
+                         ::testing::Values(StartUpCase{"Full", true, true}, StartUpCase{"WithoutSchemes", true, false},
+                                           StartUpCase{"Missing", false, false}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
     makeSectionDb(true);
@@ -129,10 +134,7 @@ TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
     SectionSchemeProvider* scheme = FetchInstance<SectionSchemeProvider>();
     skr::UninitBXQSteelRepository();
     EXPECT_EQ(FetchInstance<SectionRepository>(), nullptr);
-    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    expectProviders(false, false, false, false);
     // Still alive (a destroyed object would be a use after free here, caught under ASan).
     EXPECT_FALSE(user->findByName(L"none").first);
     EXPECT_TRUE(scheme->findScheme(11).first);
@@ -153,16 +155,13 @@ TEST_F(SectionRepositoryTest, UnregisteringTheSectionDatabaseKeepsTheUserProvide
     skr::InitBXQSteelRepository(&m_project);
     SectionRepository* repository = FetchInstance<SectionRepository>();
     repository->UnRegSectionPolyDB();
-    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionParamProvider>(), nullptr);
-    EXPECT_EQ(FetchInstance<SectionSchemeProvider>(), nullptr);
-    EXPECT_NE(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    expectProviders(false, false, false, true);
     repository->UnRegProjectDB();
     EXPECT_EQ(repository->GetProjectDB(), nullptr);
-    EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>(), nullptr);
+    expectProviders(false, false, false, false);
     repository->RegAbnormalDB(m_project.getProjectDB());
     repository->RegSectionPolyDB(nullptr);
-    EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>(), nullptr);
+    expectProviders(false, false, false, false);
 }
 
 TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrder) {
@@ -205,4 +204,58 @@ TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathA
     EXPECT_NE(manager->sectionPolyDB()->GetTable(L"SectionPoly"), nullptr);
     SKRSectionPolyDBManager::freeInstance();
     SKRSectionPolyDBManager::freeInstance();  // none left: nothing happens
+}
+
+namespace {
+
+struct Probe {
+    static int destroyed;
+    virtual ~Probe() { ++destroyed; }
+};
+int Probe::destroyed = 0;
+
+}  // namespace
+
+template <>
+struct skr::util::RegistryKey<Probe> {
+    static std::string name() { return "class test::Probe"; }
+};
+
+TEST(ObjectRegistry, KeyIsNameAndGroupConcatenatedAndTheFirstRegistrationStays) {
+    int first = 1, second = 2;
+    EXPECT_TRUE(RegisterObject("reg.ab", &first, "c"));
+    EXPECT_EQ(FetchObject("reg.ab", "c"), &first);
+    EXPECT_EQ(FetchObject("reg.ab", ""), nullptr);
+    EXPECT_FALSE(RegisterObject("reg.a", &second, "bc"));  // the same key
+    EXPECT_EQ(FetchObject("reg.a", "bc"), &first);
+    EXPECT_TRUE(UnRegisterObject("reg.a", "bc"));
+    EXPECT_EQ(FetchObject("reg.ab", "c"), nullptr);
+    EXPECT_FALSE(UnRegisterObject("reg.ab", "c"));
+    EXPECT_EQ(FetchObject("reg.never", ""), nullptr);
+
+    // A null object is stored and occupies its key.
+    ASSERT_TRUE(RegisterObject("reg.null", nullptr, ""));
+    EXPECT_FALSE(RegisterObject("reg.null", &first, ""));
+    EXPECT_EQ(FetchObject("reg.null", ""), nullptr);
+    EXPECT_TRUE(UnRegisterObject("reg.null", ""));
+}
+
+TEST(RegistryInstance, TypedLayerUsesTheLiteralKeyAndDestroysOnlyWhenAsked) {
+    Probe::destroyed = 0;
+    auto* probe = new Probe;
+    ASSERT_TRUE(RegisterInstance(probe));
+    EXPECT_EQ(FetchObject("class test::Probe", ""), probe);
+    EXPECT_EQ(FetchInstance<Probe>(), probe);
+    EXPECT_FALSE(RegisterInstance(probe));
+    EXPECT_TRUE(UnRegisterInstance<Probe>(false));
+    EXPECT_EQ(FetchInstance<Probe>(), nullptr);
+    EXPECT_EQ(Probe::destroyed, 0);
+
+    ASSERT_TRUE(RegisterInstance(probe));
+    EXPECT_TRUE(UnRegisterInstance<Probe>(true));
+    EXPECT_EQ(Probe::destroyed, 1);
+    EXPECT_EQ(FetchInstance<Probe>(), nullptr);
+    // Nothing registered: nothing destroyed, and the unregistration reports the absence.
+    EXPECT_FALSE(UnRegisterInstance<Probe>(true));
+    EXPECT_EQ(Probe::destroyed, 1);
 }

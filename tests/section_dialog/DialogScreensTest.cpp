@@ -2,31 +2,22 @@
 // and the face-steel dialog, each pictured (BXQ_SCREENS_DIR) in the language BXQ_SCREENS_LANG
 // names ("en"; Chinese when unset, file names then without a suffix). Each chosen type must show
 // its section in the preview, and the tapered H the depths typed at its two ends.
-#include "section_dialog/SKRSectionPolyDialog.h"
+#include "SectionDialogFixture.h"
 
 #include "face_steel/BXQFaceSteelDialog.h"
 #include "plugin/BXQTranslations.h"
-#include "section_dialog/SKRParamEditor.h"
-#include "section_dialog/SKRSectionPreview.h"
 #include "section_spec/EnSKRSectionType.h"
-#include "ui/VMPMessageBox.h"
-
-#include "data/ShippedRepository.h"
-#include "support/Screens.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainterPath>
-#include <QPushButton>
-#include <QTableView>
-#include <QTest>
 
 namespace {
 
 QString language() { return qEnvironmentVariable("BXQ_SCREENS_LANG"); }
 QString screenName(const QString& name) { return language().isEmpty() ? name : name + QLatin1Char('_') + language(); }
 
-class DialogScreens : public ShippedRepositoryTest {
+class DialogScreens : public SectionDialogTest {
 protected:
     static void SetUpTestSuite() {
         ShippedRepositoryTest::SetUpTestSuite();
@@ -34,35 +25,6 @@ protected:
             ASSERT_TRUE(BXQInstallTranslation(language()));
         }
     }
-    void SetUp() override {
-        VMPMessageBox::setAnswerer([](const VMPMessageBox::Shown&) { return QMessageBox::Ok; });
-        m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-        m_dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_dialog.get()));
-    }
-    void TearDown() override {
-        m_dialog.reset();
-        VMPMessageBox::setAnswerer({});
-    }
-    QTableView* types() const { return m_dialog->findChild<QTableView*>(QStringLiteral("polyView")); }
-    void choose(const QModelIndex& index) {
-        types()->scrollTo(index);
-        QTest::mouseClick(types()->viewport(), Qt::LeftButton, {}, types()->visualRect(index).center());
-    }
-    QModelIndex indexOfType(int polyId) const {
-        const QAbstractItemModel* model = types()->model();
-        for (int row = 0; row < model->rowCount(); ++row)
-            for (int column = 0; column < model->columnCount(); ++column)
-                if (model->index(row, column).data(Qt::UserRole + 1).toInt() == polyId) return model->index(row, column);
-        return QModelIndex();
-    }
-    // The preview on show; null when none is.
-    SKRSectionPreview* shownPreview() const {
-        for (SKRSectionPreview* preview : m_dialog->findChildren<SKRSectionPreview*>())
-            if (preview->isVisible()) return preview;
-        return nullptr;
-    }
-    std::unique_ptr<SKRSectionPolyDialog> m_dialog;
 };
 
 }  // namespace
@@ -81,14 +43,11 @@ TEST_F(DialogScreens, EveryTypeShowsItsSection) {
             ++chosen;
             EXPECT_TRUE(saveScreen(*m_dialog, screenName(QStringLiteral("section_type_%1").arg(polyId))));
             // A catalogue type shows its list: its first row chosen shows that row's section.
-            auto* list = m_dialog->findChild<QTableView*>(QStringLiteral("hotRolledView"));
-            if (list->isVisible() && list->model()->rowCount() > 0) {
-                const QModelIndex first = list->model()->index(0, 0);
-                QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(first).center());
+            if (list()->isVisible() && list()->model()->rowCount() > 0) {
+                clickRow(0);
                 EXPECT_TRUE(saveScreen(*m_dialog, screenName(QStringLiteral("section_type_%1_row").arg(polyId))));
             }
-            const SKRSectionPreview* preview = shownPreview();
-            if (preview) {
+            if (const SKRSectionPreview* preview = shownPreview()) {
                 EXPECT_FALSE(preview->drawnPath().isEmpty()) << "an empty preview";
             }
         }
@@ -96,12 +55,11 @@ TEST_F(DialogScreens, EveryTypeShowsItsSection) {
 }
 
 TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepths) {
-    choose(indexOfType(stWeldedTaperedH));
-    auto* editor = m_dialog->findChild<SKRParamEditor*>();
-    ASSERT_NE(editor, nullptr);
-    ASSERT_GE(editor->lineEditCount(), 2);
+    chooseType(stWeldedTaperedH);
+    ASSERT_NE(editor(), nullptr);
+    ASSERT_GE(editor()->lineEditCount(), 2);
     for (const auto& [field, depth] : {std::make_pair(0, QStringLiteral("700")), std::make_pair(1, QStringLiteral("300"))}) {
-        QLineEdit* edit = editor->lineEdit(field);
+        QLineEdit* edit = editor()->lineEdit(field);
         edit->setFocus();
         edit->selectAll();
         QTest::keyClicks(edit, depth);

@@ -6,52 +6,36 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-QValidator::State check(const SKRNumericValidator& validator, const char* text) {
-    QString input = QString::fromLatin1(text);
-    int pos = input.size();
-    return validator.validate(input, pos);
-}
-
-}  // namespace
-
-TEST(NumericValidator, RealIntervalWithAnOpenTop) {
-    const SKRNumericValidator validator(0.0, 10000.0, 2, true, false);
+TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
+    const SKRNumericValidator realOpenTop(0.0, 10000.0, 2, true, false);
+    const SKRNumericValidator realOpenBottom(1.0, 2.0, 15, false, true);
+    const SKRNumericValidator intOpenBottom(0, 100, false, true);
+    const SKRNumericValidator intOpenTop(1, 99, true, false);
     const struct {
+        const SKRNumericValidator& validator;
         const char* text;
         QValidator::State state;
     } rows[] = {
-        {"0", QValidator::Acceptable},       {"9999.99", QValidator::Acceptable},
-        {"10000", QValidator::Invalid},      {".5", QValidator::Invalid},
-        {"12.", QValidator::Acceptable},     {"", QValidator::Intermediate},
-        {"1.234", QValidator::Invalid},      {"20000", QValidator::Intermediate},
-        {"abc", QValidator::Invalid},
+        {realOpenTop, "0", QValidator::Acceptable},         {realOpenTop, "9999.99", QValidator::Acceptable},
+        {realOpenTop, "10000", QValidator::Invalid},        {realOpenTop, ".5", QValidator::Invalid},
+        {realOpenTop, "12.", QValidator::Acceptable},       {realOpenTop, "", QValidator::Intermediate},
+        {realOpenTop, "1.234", QValidator::Invalid},        {realOpenTop, "20000", QValidator::Intermediate},
+        {realOpenTop, "abc", QValidator::Invalid},          {realOpenBottom, "1", QValidator::Invalid},
+        {realOpenBottom, "1.0000000000001", QValidator::Invalid},  // within 1e-12 of the open bottom
+        {realOpenBottom, "1.00000000001", QValidator::Acceptable}, {realOpenBottom, "2", QValidator::Acceptable},
+        {intOpenBottom, "0", QValidator::Invalid},          {intOpenBottom, "1", QValidator::Acceptable},
+        {intOpenBottom, "100", QValidator::Acceptable},     {intOpenBottom, "1.5", QValidator::Invalid},
+        {intOpenTop, "99", QValidator::Invalid},            {intOpenTop, "98", QValidator::Acceptable},
     };
-    for (const auto& row : rows) EXPECT_EQ(check(validator, row.text), row.state) << row.text;
-    EXPECT_EQ(validator.intervalText(), QStringLiteral("[0,10000)"));
-}
-
-TEST(NumericValidator, OpenBottomIsComparedWithItsTolerance) {
-    const SKRNumericValidator validator(1.0, 2.0, 15, false, true);
-    EXPECT_EQ(check(validator, "1"), QValidator::Invalid);
-    EXPECT_EQ(check(validator, "1.0000000000001"), QValidator::Invalid);  // within 1e-12 of the bottom
-    EXPECT_EQ(check(validator, "1.00000000001"), QValidator::Acceptable);
-    EXPECT_EQ(check(validator, "2"), QValidator::Acceptable);
-    EXPECT_EQ(validator.intervalText(), QStringLiteral("(1,2]"));
-}
-
-TEST(NumericValidator, IntegerIntervals) {
-    const SKRNumericValidator openBottom(0, 100, false, true);
-    EXPECT_EQ(check(openBottom, "0"), QValidator::Invalid);
-    EXPECT_EQ(check(openBottom, "1"), QValidator::Acceptable);
-    EXPECT_EQ(check(openBottom, "100"), QValidator::Acceptable);
-    EXPECT_EQ(check(openBottom, "1.5"), QValidator::Invalid);
-    EXPECT_EQ(openBottom.intervalText(), QStringLiteral("(0,100]"));
-    const SKRNumericValidator openTop(1, 99, true, false);
-    EXPECT_EQ(check(openTop, "99"), QValidator::Invalid);
-    EXPECT_EQ(check(openTop, "98"), QValidator::Acceptable);
-    EXPECT_FALSE(openTop.isReal());
+    for (const auto& row : rows) {
+        QString input = QString::fromLatin1(row.text);
+        int pos = input.size();
+        EXPECT_EQ(row.validator.validate(input, pos), row.state) << row.validator.intervalText().toStdString() << " " << row.text;
+    }
+    EXPECT_FALSE(intOpenTop.isReal());
+    const std::pair<const SKRNumericValidator&, const char*> intervals[] = {
+        {realOpenTop, "[0,10000)"}, {realOpenBottom, "(1,2]"}, {intOpenBottom, "(0,100]"}};
+    for (const auto& interval : intervals) EXPECT_EQ(interval.first.intervalText(), QString(interval.second));
 }
 
 TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {

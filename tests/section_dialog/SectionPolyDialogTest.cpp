@@ -1,27 +1,25 @@
 // The section library dialog driven as a user drives it: choosing groups and types, filtering
 // the catalogue by typing (Chinese text as input-method commits), validator refusals, the
 // restriction and rule messages, accepting by OK and by double-click, positioning on a parsed
-// section, and adding and deleting user sections with undo.
-#include "section_dialog/SKRSectionPolyDialog.h"
+// section, and adding and deleting user sections with undo. The dialog of user hot-rolled sections
+// it opens, driven by typing: the "(ZDY)" name it stores, the keys each field refuses, a size that
+// makes no section, a name that exists, edit mode, and a project another writer holds.
+#include "SectionDialogFixture.h"
+
+#include "section_dialog/SKRUserHotRollingSectionDialog.h"
 
 #include "plugin/BXQTranslations.h"
-
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 #include "section_data/SKRSectionDbOperation.h"
-#include "section_dialog/SKRParamEditor.h"
-#include "section_spec/SKRPolyParamManger.h"
+#include "ndp/NDPDatabase.h"
 #include "section_geometry/SKRSectionPolygonParser.h"
-#include "section_spec/SKRSectionPolyInfoParser.h"
-#include "ndp/NDPPolygon.h"
-#include "ui/VMPMessageBox.h"
+#include "section_spec/QtPrinters.h"
+#include "section_spec/SKRPolyParamManger.h"
+#include "section_spec/SKRSectionTypeTable.h"
 #include "vmp/VMPCmdLogTool.h"
 #include "vmp/VMPUserTrace.h"
 
-#include "data/ShippedRepository.h"
-#include "section_spec/QtPrinters.h"
-#include "support/Screens.h"
 #include "support/VisibleTexts.h"
-#include "section_spec/SKRSectionTypeTable.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -29,82 +27,161 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTableView>
-#include <QTest>
+#include <QSignalSpy>
 #include <QTimer>
 
 using skr::section::SKRHotRollingSection;
+using SectionPolyDialog = SectionDialogTest;
 
+Q_DECLARE_METATYPE(skr::section::SKRHotRollingSection)
+
+// The user-section suite comes first: the library dialog's suite ends in English, and its dialogs
+// are not made again in this process once that suite's repository is gone.
 namespace {
 
-class SectionPolyDialog : public ShippedRepositoryTest {
+class UserSectionDialog : public AnsweredBoxesTest {
 protected:
     void SetUp() override {
-        VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
-            m_boxes << box.text;
-            return m_answer;
-        });
-        m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-        m_dialog->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_dialog.get()));
+        AnsweredBoxesTest::SetUp();
+        m_user = skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>();
+        ASSERT_NE(m_user, nullptr);
     }
-    void TearDown() override {
-        m_dialog.reset();
-        VMPMessageBox::setAnswerer({});
+    // Sets the fields in order: code, size, weight, surface.
+    static QList<QLineEdit*> fill(QWidget& dialog, const QStringList& texts) {
+        const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
+        for (int i = 0; i < texts.size() && i < fields.size(); ++i) fields[i]->setText(texts[i]);
+        return fields;
+    }
+    void addSection(const wchar_t* name, int type, int sub, double weight = 0, double area = 0) {
+        SKRHotRollingSection section;
+        section.sectionType = type;
+        section.subId = sub;
+        section.standardName = name;
+        section.weightMeter = weight;
+        section.area = area;
+        ASSERT_TRUE(m_user->addSection(section));
     }
 
-    template <typename T>
-    T* child(const QString& name) const {
-        return m_dialog->findChild<T*>(name);
-    }
-    QPushButton* button(const QString& text) const {
-        for (QPushButton* b : m_dialog->findChildren<QPushButton*>())
-            if (b->text() == text) return b;
-        return nullptr;
-    }
-    // Clicks the picture of a section type in the left table.
-    void chooseType(int polyId) {
-        auto* view = child<QTableView>(QStringLiteral("polyView"));
-        for (int row = 0; row < view->model()->rowCount(); ++row)
-            for (int column = 0; column < view->model()->columnCount(); ++column) {
-                const QModelIndex index = view->model()->index(row, column);
-                if (index.data(Qt::UserRole + 1).toInt() != polyId) continue;
-                view->scrollTo(index);
-                QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
-                return;
-            }
-        ADD_FAILURE() << "no picture of type " << polyId;
-    }
-    QTableView* list() const { return child<QTableView>(QStringLiteral("hotRolledView")); }
-    QStringList listedNames() const {
-        QStringList names;
-        for (int row = 0; row < list()->model()->rowCount(); ++row) names << list()->model()->index(row, 0).data().toString();
-        return names;
-    }
-    int rowOf(const QString& name) const { return listedNames().indexOf(name); }
-    void clickRow(int row, bool twice = false) {
-        const QModelIndex index = list()->model()->index(row, 0);
-        list()->scrollTo(index);
-        const QPoint at = list()->visualRect(index).center();
-        // A double click begins with a click of its own.
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, at);
-        if (twice) QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, at);
-    }
-    SKRParamEditor* editor() const { return m_dialog->findChild<SKRParamEditor*>(); }
-
-    std::unique_ptr<SKRSectionPolyDialog> m_dialog;
-    QStringList m_boxes;
-    QMessageBox::StandardButton m_answer = QMessageBox::Ok;
+    skr::section::SKRUserHotRollingSectionDBProvider* m_user = nullptr;
 };
 
 }  // namespace
+
+TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
+    SKRUserHotRollingSectionDialog dialog(9, 1);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("添加自定义截面"));
+    const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
+    ASSERT_EQ(fields.size(), 4);
+    EXPECT_EQ(fields[0]->placeholderText(), QStringLiteral("(ZDY)"));
+    EXPECT_FALSE(fields[1]->placeholderText().isEmpty());
+    EXPECT_EQ(fields[2]->placeholderText(), QStringLiteral("[0,10000)"));
+    dialog.show();
+    // Digits are refused in the code, letters in the size, a fifth integer digit in the weight.
+    const std::pair<QString, QString> typed[] = {
+        {"Z9", "Z"}, {"270*80*8*3a", "270*80*8*3"}, {"12345", "1234"}, {"0.7a", "0.7"}};
+    for (int i = 0; i < 4; ++i) {
+        fields[i]->setFocus();
+        QTest::keyClicks(fields[i], typed[i].first);
+        EXPECT_EQ(fields[i]->text(), typed[i].second);
+    }
+    fields[2]->clear();
+    QTest::keyClicks(fields[2], QStringLiteral("1234.5"));
+    EXPECT_EQ(fields[2]->text(), QStringLiteral("1234.5"));
+    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("user_section_dialog")));
+
+    qRegisterMetaType<SKRHotRollingSection>();
+    QSignalSpy saved(&dialog, &SKRUserHotRollingSectionDialog::sectionSaved);
+    QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
+    EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    ASSERT_EQ(saved.count(), 1);
+    const auto stored = m_user->findByName(L"Z270*80*8*3(ZDY)");
+    ASSERT_TRUE(stored.first);
+    EXPECT_EQ(stored.second.sectionType, 9);
+    EXPECT_EQ(stored.second.weightMeter, 1234.5);
+    EXPECT_EQ(stored.second.area, 0.7);
+    EXPECT_EQ(stored.second.params.size(), 4u);
+}
+
+TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExists) {
+    SKRUserHotRollingSectionDialog bad(9, 1);
+    const QList<QLineEdit*> fields = fill(bad, {"Z", "270*80", "10"});  // two of four dimensions
+    bad.okSlot();
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_EQ(m_boxes[0], QStringLiteral("输入的“规格尺寸”有误，请查证。"));
+    EXPECT_EQ(bad.result(), QDialog::Rejected);
+    EXPECT_EQ(fields[1]->text(), QStringLiteral("270*80"));  // left as typed
+    fields[1]->setText(QStringLiteral("270*80*8*0.1"));    // a wall below its range
+    bad.okSlot();
+    EXPECT_EQ(m_boxes.size(), 2);
+
+    addSection(L"Z300*90*20*3(ZDY)", 9, 2);
+    SKRUserHotRollingSectionDialog twice(9, 3);
+    fill(twice, {"Z", "300*90*20*3"});
+    twice.okSlot();
+    ASSERT_EQ(m_boxes.size(), 3);
+    EXPECT_EQ(m_boxes[2], QStringLiteral("注：规格名称已存在,请重新输入."));
+    EXPECT_EQ(twice.result(), QDialog::Rejected);
+}
+
+TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures) {
+    addSection(L"HW100*100(ZDY)", 7, 9, 17.2, 0.574);
+    SKRUserHotRollingSectionDialog dialog(7, 9, QStringLiteral("HW100*100(ZDY)"));
+    EXPECT_TRUE(dialog.isEditMode());
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("编辑自定义截面"));
+    const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
+    EXPECT_EQ(fields[0]->text(), QStringLiteral("HW"));
+    EXPECT_EQ(fields[1]->text(), QStringLiteral("100*100"));
+    EXPECT_EQ(fields[2]->text(), QStringLiteral("17.2"));
+    EXPECT_FALSE(fields[0]->isEnabled());
+    EXPECT_FALSE(fields[1]->isEnabled());
+    bool noteFound = false;
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        noteFound |= label->text() == QStringLiteral("注:编辑自定义截面,无法修改截面代号和规格尺寸.");
+    EXPECT_TRUE(noteFound);
+    // 100*100 is two of the four dimensions of an H: the size check refuses it.
+    int calls = 0;
+    dialog.setSectionModifyHandler([&calls](const SKRHotRollingSection&) { ++calls; });
+    dialog.okSlot();
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(m_boxes.size(), 1);
+
+    addSection(L"HW100*100*6*8(ZDY)", 7, 10, 17.2, 0.574);
+    SKRUserHotRollingSectionDialog edit(7, 10, QStringLiteral("HW100*100*6*8(ZDY)"));
+    SKRHotRollingSection received;
+    edit.setSectionModifyHandler([&received](const SKRHotRollingSection& s) { received = s; });
+    edit.findChildren<QLineEdit*>()[2]->setText(QStringLiteral("17.3"));
+    edit.okSlot();
+    EXPECT_EQ(edit.result(), QDialog::Accepted);
+    EXPECT_EQ(received.standardName, L"HW100*100*6*8(ZDY)");
+    EXPECT_EQ(received.weightMeter, 17.3);
+    EXPECT_EQ(received.subId, 10);
+}
+
+TEST_F(UserSectionDialog, AProjectHeldByAnotherWriterIsSaidBusyNotTakenForANameThatExists) {
+    ndp::CDatabase* project = s_model->getProjectDB();
+    ASSERT_TRUE(project->Flush());
+    ndp::CDatabase other;
+    ASSERT_TRUE(other.Open(project->GetPath(), false));
+    ASSERT_TRUE(other.BeginTransaction());  // holds the write lock
+    const int wait = ndp::CDatabase::GetBusyTimeout();
+    ndp::CDatabase::SetBusyTimeout(100);
+    SKRUserHotRollingSectionDialog dialog(9, 7);
+    ASSERT_EQ(fill(dialog, {"Z", "250*75*20*2.5", "10", "0.5"}).size(), 4);
+    dialog.okSlot();
+    ndp::CDatabase::SetBusyTimeout(wait);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_TRUE(m_boxes[0].contains(QStringLiteral("busy"))) << m_boxes[0].toStdString();
+    EXPECT_TRUE(m_boxes[0].contains(project->GetPath())) << m_boxes[0].toStdString();
+    other.Close();
+    EXPECT_FALSE(m_user->findByName(L"Z250*75*20*2.5(ZDY)").first);
+}
 
 TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayout) {
     EXPECT_EQ(m_dialog->windowTitle(), QStringLiteral("截面库"));
     EXPECT_FALSE(m_dialog->isMoveEnabled());
     EXPECT_EQ(VMPUserTrace::lastEntry(), QStringLiteral("用户操作记录: 打开截面库"));
-    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    auto* view = types();
     const QModelIndex title = view->model()->index(0, 0);
     EXPECT_EQ(title.data().toString(), QStringLiteral("型钢截面"));
     EXPECT_EQ(view->columnSpan(0, 0), view->model()->columnCount());
@@ -122,7 +199,7 @@ TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayout) {
 
     chooseType(stI);
     EXPECT_TRUE(saveScreen(*m_dialog, QStringLiteral("section_dialog_catalogue")));
-    QTest::mouseClick(button(QStringLiteral("查看型钢代号表")), Qt::LeftButton);
+    click(QStringLiteral("查看型钢代号表"));
     auto* codes = m_dialog->findChild<QLabel*>(QStringLiteral("normCodePicture"));
     ASSERT_NE(codes, nullptr);
     EXPECT_GT(codes->pixmap(Qt::ReturnByValue).height(), 300);
@@ -147,14 +224,15 @@ TEST_F(SectionPolyDialog, FilterTypedTextButShowsEverythingForChineseText) {
     filter->clear();
     EXPECT_EQ(filter->placeholderText(), QStringLiteral("快速搜索，如:C 200*70*20*2"));
 
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QString()));
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("C 200*70")));
-    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("a\u4E00")));
-    EXPECT_FALSE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA5")));
-    EXPECT_TRUE(SKRSectionPolyDialog::isChineseCode(QStringLiteral("\u9FA6\u4DFF")));
+    // Whether a text is free of Chinese: the range ends at U+9FA5 on both sides.
+    const std::pair<QString, bool> codes[] = {{"", true}, {"C 200*70", true}, {"a\u4E00", false}, {"\u9FA5", false},
+                                              {"\u9FA6\u4DFF", true}};
+    for (const auto& code : codes) EXPECT_EQ(SKRSectionPolyDialog::isChineseCode(code.first), code.second) << code.first.toStdString();
 }
 
-TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsIt) {
+// The default section is the one a double-click on I20a returns; asked for without a dialog, it
+// sets the repository up when the host has not.
+TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsItAndI20aIsTheDefault) {
     chooseType(stI);
     EXPECT_FALSE(button(QStringLiteral("编辑自定义截面"))->isEnabled());
     clickRow(rowOf(QStringLiteral("I20a")));
@@ -165,27 +243,23 @@ TEST_F(SectionPolyDialog, DoubleClickOnACatalogueRowAcceptsIt) {
     EXPECT_EQ(m_dialog->selectionKind(), 1);
     EXPECT_EQ(m_dialog->result().paramManager, nullptr);
     const auto info = m_dialog->getSelSectionInfo();
-    EXPECT_EQ(info.typeName, QStringLiteral("热轧工字钢"));
-    EXPECT_EQ(info.specification, QStringLiteral("I20a"));
     EXPECT_NE(info.specificationKey, 0);
     EXPECT_DOUBLE_EQ(info.insertPointX, 50);
-    EXPECT_DOUBLE_EQ(info.insertPointY, 100);
-    EXPECT_DOUBLE_EQ(info.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
     EXPECT_GT(info.weightPerMetre, 27);
     EXPECT_DOUBLE_EQ(info.surfacePerMetre, SKRSectionPolyDialog::getAPMByNorm(QStringLiteral("I20a")));
-}
 
-TEST_F(SectionPolyDialog, DefaultSectionInfoSetsTheRepositoryUpWhenTheHostHasNot) {
     m_dialog.reset();
     delete skr::util::FetchInstance<skr::section::SectionRepository>();
     skr::UninitBXQSteelRepository();
     ASSERT_EQ(skr::util::FetchInstance<skr::section::SKRHotRollingSectionDBProvider>(), nullptr);
     const auto fresh = SKRSectionPolyDialog::defaultSectionInfo(s_model);
     EXPECT_NE(skr::util::FetchInstance<skr::section::SectionRepository>(), nullptr);
-    EXPECT_EQ(fresh.typeName, QStringLiteral("热轧工字钢"));
-    EXPECT_EQ(fresh.specification, QStringLiteral("I20a"));
-    EXPECT_DOUBLE_EQ(fresh.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
-    EXPECT_DOUBLE_EQ(fresh.insertPointY, 100);
+    for (const auto& i : {info, fresh}) {
+        EXPECT_EQ(i.typeName, QStringLiteral("热轧工字钢"));
+        EXPECT_EQ(i.specification, QStringLiteral("I20a"));
+        EXPECT_DOUBLE_EQ(i.weightPerMetre, SKRSectionPolyDialog::getWPMByNorm(QStringLiteral("I20a")));
+        EXPECT_DOUBLE_EQ(i.insertPointY, 100);
+    }
 }
 
 TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
@@ -205,7 +279,7 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
 
     // A web as wide as the flange fails the norm's rule b>tw: the dialog says so and stays open.
     params->lineEdit(1)->setText(QStringLiteral("8"));
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_TRUE(m_dialog->isVisible());
     params->lineEdit(1)->setText(QStringLiteral("300"));
@@ -213,7 +287,7 @@ TEST_F(SectionPolyDialog, WeldedParametersAreValidatedCheckedAndReturned) {
     EXPECT_EQ(params->hint(), QStringLiteral("规格示例：H400*300*8*13*13"));  // what the figures make
     params->lineEdit(1)->setText(QStringLiteral("200"));
     params->editingFinish(1);
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_EQ(m_boxes.size(), 1) << m_boxes.join(' ').toStdString();
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
     const SKRSectionPolyDlgResult result = m_dialog->result();
@@ -237,26 +311,22 @@ TEST_F(SectionPolyDialog, RestrictionNamesTheAcceptedTypesOnce) {
     ASSERT_EQ(m_boxes, QStringList{expected});
     EXPECT_TRUE(m_dialog->isVisible());
     chooseType(stWeldedH);
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_EQ(m_boxes.size(), 1);
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
 }
 
 TEST_F(SectionPolyDialog, SetParameterPositionsOnAnyParsedSection) {
-    SKRSectionPolyInfoParser parser;
-    parser.parser(QStringLiteral("H400*200*8*13"));
-    m_dialog->setParameter(parser.sectionPolyInfo());
+    m_dialog->setParameter(parse(QStringLiteral("H400*200*8*13")));
     ASSERT_NE(editor()->lineEdit(0), nullptr);
     EXPECT_EQ(editor()->lineEdit(0)->text(), QStringLiteral("400"));
     EXPECT_EQ(editor()->lineEdit(1)->text(), QStringLiteral("200"));
 
-    parser.parser(QStringLiteral("hn400*200*8*13"));
-    m_dialog->setParameter(parser.sectionPolyInfo());
+    m_dialog->setParameter(parse(QStringLiteral("hn400*200*8*13")));
     ASSERT_TRUE(list()->currentIndex().isValid());
     EXPECT_EQ(list()->currentIndex().data().toString(), QStringLiteral("HN400*200*8*13"));
 
-    parser.parser(QStringLiteral("WSR300*8"));
-    m_dialog->setParameter(parser.sectionPolyInfo());
+    m_dialog->setParameter(parse(QStringLiteral("WSR300*8")));
     auto* forms = child<QComboBox>(QStringLiteral("ballCombo"));
     EXPECT_TRUE(forms->isVisible());
     EXPECT_EQ(forms->currentText(), QStringLiteral("加肋焊接空心球"));
@@ -274,8 +344,7 @@ TEST_F(SectionPolyDialog, DeletingAUserSectionAsksAndCanBeUndone) {
     section.standardName = L"I99x(ZDY)";
     section.weightMeter = 12.5;
     ASSERT_TRUE(user->addSection(section));
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);  // lists the sections there are when it opens
-    m_dialog->show();
+    openDialog();
     VMPCmdLogTool* log = VMPCmdLogTool::getInstance();
     log->setDatabase(s_model->getProjectDB());
     int calls = 0;
@@ -289,13 +358,13 @@ TEST_F(SectionPolyDialog, DeletingAUserSectionAsksAndCanBeUndone) {
     EXPECT_TRUE(button(QStringLiteral("编辑自定义截面"))->isEnabled());
 
     m_answer = QMessageBox::Cancel;
-    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    click(QStringLiteral("删除自定义截面"));
     ASSERT_EQ(m_boxes, QStringList{QStringLiteral("删除该自定义截面，将会删除三维模型中的所有该截面图元和构件")});
     EXPECT_EQ(calls, 0);
     EXPECT_FALSE(log->canUndo());
 
     m_answer = QMessageBox::Ok;
-    QTest::mouseClick(button(QStringLiteral("删除自定义截面")), Qt::LeftButton);
+    click(QStringLiteral("删除自定义截面"));
     EXPECT_EQ(calls, 1);
     EXPECT_FALSE(user->findByName(L"I99x(ZDY)").first);
     EXPECT_EQ(rowOf(QStringLiteral("I99x(ZDY)")), -1);
@@ -317,16 +386,13 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
             QWidget* modal = QApplication::activeModalWidget();
             ASSERT_NE(modal, m_dialog.get());
             const QList<QLineEdit*> fields = modal->findChildren<QLineEdit*>();
-            fields[0]->setText(QStringLiteral("Z"));
-            fields[1]->setText(size);
-            fields[2]->setText(QStringLiteral("12"));
-            fields[3]->setText(QStringLiteral("0.9"));
+            const QStringList texts{"Z", size, "12", "0.9"};
+            for (int i = 0; i < texts.size(); ++i) fields[i]->setText(texts[i]);
             typedInto << modal->windowTitle();
-            for (QPushButton* b : modal->findChildren<QPushButton*>())
-                if (b->text() == QStringLiteral("确定")) b->click();
+            AnsweredBoxesTest::button(*modal, QStringLiteral("确定"))->click();
             if (modal->isVisible()) static_cast<QDialog*>(modal)->reject();
         });
-        QTest::mouseClick(button(QStringLiteral("添加自定义截面")), Qt::LeftButton);
+        click(QStringLiteral("添加自定义截面"));
     };
     fill(QStringLiteral("271*80*8*3"));
     EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
@@ -346,15 +412,14 @@ TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
     drawn.insertPointX = 50;
     drawn.insertPointY = 25;
     ASSERT_TRUE(SKRSectionDbOperation(s_model->getProjectDB()).addCustomPoly(drawn));
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-    m_dialog->show();
-    auto* view = child<QTableView>(QStringLiteral("polyView"));
+    openDialog();
+    auto* view = types();
     const QModelIndex title = view->model()->index(view->model()->rowCount() - 2, 0);
     EXPECT_EQ(title.data().toString(), QStringLiteral("自定义截面"));
     EXPECT_FALSE(view->model()->index(view->model()->rowCount() - 1, 0).data(Qt::DecorationRole).value<QPixmap>().isNull());
 
     m_dialog->setParameter(parse(drawn.description));
-    QTest::mouseClick(button(QStringLiteral("确定")), Qt::LeftButton);
+    click(QStringLiteral("确定"));
     EXPECT_TRUE(m_boxes.isEmpty()) << m_boxes.join(' ').toStdString();
     EXPECT_EQ(m_dialog->QDialog::result(), QDialog::Accepted);
     EXPECT_NE(m_dialog->result().paramManager, nullptr);
@@ -383,8 +448,7 @@ TEST_F(SectionPolyDialog, SpeaksTheInstalledLanguage) {
 
     // Every page of every section type shows English only (a user's custom drawing keeps the name
     // it was stored under: that is data, not the dialog's text).
-    m_dialog = std::make_unique<SKRSectionPolyDialog>(s_model);
-    m_dialog->show();
+    openDialog();
     for (const skr::section::SKRSectionTypeDescriptor& type : skr::section::sectionTypeTable()) {
         chooseType(type.type);
         QStringList chinese = bxqtest::chineseTexts(m_dialog.get());
