@@ -282,7 +282,7 @@ TEST_F(HotRollingProvider, PerMetreFiguresComeFromTheUserCatalogueFirst) {
 TEST_F(HotRollingProvider, HostileNamesFindNothingAndChangeNothing) {
     registerProviders();
     ASSERT_TRUE(m_userProvider->addSection(userSection(L"Z270*80*8*3(ZDY)", 9, 1)));
-    for (const std::wstring& name :
+    for (const wchar_t* name :
          {L"I20a\") OR 1=1 --", L"x'; DROP TABLE SectionPolyInfor; --", L"a\"b", L"(ZDY)", L";", L"I20a\"", L"\"",
           L"\")", L"I20a' OR '1'='1", L"%", L"I2_a", L"I20a\"); DELETE FROM \"CustomHotRolledSection\"; --",
           L"SameString(StandardName,\"I20a\")", L"I20a\\", L"\" || 1==1 || \"", L"I20c", L""}) {
@@ -299,7 +299,9 @@ TEST_F(HotRollingProvider, HostileNamesFindNothingAndChangeNothing) {
         SKRSectionPolyInfoParser parser;
         parser.parser(norm);
         // An I-beam text takes its dimensions from the catalogue only for a catalogue name.
-        if (parser.sectionPolyInfo().sectionType == stI) EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
+        if (parser.sectionPolyInfo().sectionType == stI) {
+            EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
+        }
         // Updating a section of that name finds none to update.
         try {
             EXPECT_FALSE(m_userProvider->updateSection(userSection(name, 9, 1, 99.0)));

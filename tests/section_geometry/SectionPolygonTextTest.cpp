@@ -47,7 +47,7 @@ TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
         {"0,0,0,0;;100,0,0,0;;100,x,0,0;0,100,0,zz", 1, 4, std::nan(""), true, 0},
         // One non-empty part is parsed whole, separators included: (0,0) to (0,0) and back.
         {"a;b|||", 1, 2, 0, true, 0},
-        {"", 0}, {";10,0,0,0", 0}, {"|||;1,1,0,0|||;2,2,0,0", 0},
+        {"", 0, 0, 0, false, 0}, {";10,0,0,0", 0, 0, 0, false, 0}, {"|||;1,1,0,0|||;2,2,0,0", 0, 0, 0, false, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text.toStdString());
@@ -57,7 +57,9 @@ TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
         ASSERT_EQ(polygon->GetLoopCount(), c.loops);
         const ndp::CLoop& loop = *polygon->GetLoop(0);
         EXPECT_EQ(loop.GetCount(), c.curves);
-        if (!std::isnan(c.area)) EXPECT_NEAR(polygon->Area(), c.area, 1e-6);
+        if (!std::isnan(c.area)) {
+            EXPECT_NEAR(polygon->Area(), c.area, 1e-6);
+        }
         EXPECT_EQ(loop.IsClosed(), c.closed);
         if (c.lastSign != 0) {
             EXPECT_EQ(loop.ClockSign(), 1);
@@ -157,6 +159,8 @@ TEST(OutlineCheck, RefusesEveryOutlineThatIsNotOneFiniteRegion) {
         QString where;
         const bool valid = checkSectionOutline(*polygon, &where);
         EXPECT_EQ(valid, *outline.refusal == '\0') << qPrintable(where);
-        if (!valid) EXPECT_TRUE(where.startsWith(outline.refusal)) << qPrintable(where);
+        if (!valid) {
+            EXPECT_TRUE(where.startsWith(outline.refusal)) << qPrintable(where);
+        }
     }
 }
