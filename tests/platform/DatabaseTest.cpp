@@ -134,6 +134,9 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningWithCaseSensitiveNames) {
     CDBRecord* read = table->GetRecord(found.GetItem(0));
     EXPECT_EQ(read->GetString(0), L"80");
     EXPECT_EQ(read->GetInt(2), 7);
+    // Field indexes outside the table are null, not read past the row.
+    EXPECT_TRUE(read->IsNull(-1));
+    EXPECT_TRUE(read->IsNull(table->GetFieldCount()));
     read->Release();
     EXPECT_TRUE(table->Query(L"B==125", found));
     EXPECT_FALSE(table->Search(1, 80, found));

@@ -108,6 +108,8 @@ TEST(OutlineFillet, RadiiThatDoNotFitAreRefusedNamingTheCorners) {
         {"two corners on one point", {{0, 0}, {10, 0}, {10, 0}, {0, 10}}, "corner 1"},
         {"folding back", {{0, 0}, {10, 0, 1}, {0, 0.0}, {0, 10}}, "corner 1"},
         {"too few corners", {{0, 0}, {10, 0}}, "three corners"},
+        {"x not finite", {{std::nan(""), 0}, {10, 0}, {10, 10}}, "corner 0 is not a finite point"},
+        {"y not finite", {{0, HUGE_VAL}, {10, 0}, {10, 10}}, "corner 0 is not a finite point"},
     };
     for (const auto& c : refused) {
         SCOPED_TRACE(c.why);
