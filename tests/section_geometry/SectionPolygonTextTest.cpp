@@ -75,7 +75,8 @@ TEST(SectionPolygonText, CurvesHaveTheKindsAndPointsOfTheirRecords) {
     EXPECT_EQ(startOf(*rectangle->GetLoop(0), 3), CPoint2d(0, 50));
     EXPECT_EQ(rectangle->GetLoop(0)->GetCurve(3)->EndPoint(), CPoint2d(0, 0));
 
-    const auto* arc = dynamic_cast<const ndp::CArc2d*>(loopOf("10,20,5,50;99,99,0,0")->GetLoop(0)->GetCurve(0));
+    const auto circle = loopOf("10,20,5,50;99,99,0,0");
+    const auto* arc = dynamic_cast<const ndp::CArc2d*>(circle->GetLoop(0)->GetCurve(0));
     ASSERT_NE(arc, nullptr);
     EXPECT_EQ(arc->Centre(), CPoint2d(10, 20));
     EXPECT_EQ(arc->Radius(), 5.0);
