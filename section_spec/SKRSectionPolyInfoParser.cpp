@@ -149,10 +149,13 @@ namespace {
 // Counts the language changes the application has seen, so that the keyword is translated again
 // only after a translator comes or goes (it is looked for in every text typed).
 QAtomicInt g_languageChanges;
+// The application whose language changes are counted; cleared when it goes.
+QAtomicPointer<QCoreApplication> g_watched;
 
 class LanguageWatcher : public QObject {
 public:
     using QObject::QObject;
+    ~LanguageWatcher() override { g_watched.storeRelease(nullptr); }
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::LanguageChange) g_languageChanges.fetchAndAddOrdered(1);
         return QObject::eventFilter(watched, event);
@@ -160,14 +163,15 @@ public:
 };
 
 // Whether language changes are being counted; the watcher is installed from the application's
-// own thread once there is an application.
+// own thread, again for each new application (which may bring other translators).
 bool watchingLanguage() {
-    static QAtomicInt installed;
-    if (installed.loadAcquire()) return true;
     QCoreApplication* app = QCoreApplication::instance();
-    if (!app || QThread::currentThread() != app->thread()) return false;
+    if (!app) return false;
+    if (g_watched.loadAcquire() == app) return true;
+    if (QThread::currentThread() != app->thread()) return false;
     app->installEventFilter(new LanguageWatcher(app));
-    installed.storeRelease(1);
+    g_languageChanges.fetchAndAddOrdered(1);
+    g_watched.storeRelease(app);
     return true;
 }
 
