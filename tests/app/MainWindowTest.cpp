@@ -20,6 +20,7 @@
 
 #include "section_spec/QtPrinters.h"
 #include "support/Screens.h"
+#include "support/ChineseAfterwards.h"
 
 #include <gtest/gtest.h>
 
@@ -328,6 +329,7 @@ TEST_F(ModelView, ExportsTheProjectAsIfcFromTheProjectMenuInEitherLanguage) {
     EXPECT_FALSE(m_window->exportIfc(m_dir.filePath(QStringLiteral("no/such/folder/p.ifc")), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("no/such/folder/p.ifc"))) << error.toStdString();
 
+    bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     bxq::BXQMainWindow english;
     ASSERT_TRUE(english.openProject(m_dir.filePath("p.KDB"), &error)) << error.toStdString();

@@ -13,6 +13,7 @@
 
 #include "support/Screens.h"
 #include "support/VisibleTexts.h"
+#include "support/ChineseAfterwards.h"
 
 #include <gtest/gtest.h>
 
@@ -178,6 +179,7 @@ TEST_F(FaceSteel, DialogLocatesAGivenPlateAndCancelLeavesNoChoice) {
 // text is English and no header is cut short, while the chosen plate is still returned under the
 // class name the host asks quantities by.
 TEST_F(FaceSteel, DialogSpeaksEnglishAndReturnsTheClassNameTheHostKnows) {
+    bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     BXQFaceSteelDialog dialog(nullptr, nullptr);
     dialog.show();

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QTranslator>
 
 namespace {
 
@@ -65,4 +66,14 @@ TEST_F(PluginAbi, InstallsTheLibrarysAndQtsOwnTranslations) {
     EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("取消"));
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     EXPECT_EQ(QCoreApplication::translate("SKRSectionPolyDB", "焊接H型钢"), QStringLiteral("Welded H"));
+    // A language the library lacks leaves the one in use; Chinese puts the source texts back, and
+    // switching again replaces the library's translator rather than stacking a second one.
+    EXPECT_FALSE(BXQInstallTranslation(QStringLiteral("xx")));
+    EXPECT_EQ(QCoreApplication::translate("SKRSectionPolyDB", "焊接H型钢"), QStringLiteral("Welded H"));
+    const int translators = QCoreApplication::instance()->findChildren<QTranslator*>().size();
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    EXPECT_EQ(QCoreApplication::instance()->findChildren<QTranslator*>().size(), translators);
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("zh")));
+    EXPECT_EQ(QCoreApplication::translate("SKRSectionPolyDB", "焊接H型钢"), QStringLiteral("焊接H型钢"));
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("取消"));
 }

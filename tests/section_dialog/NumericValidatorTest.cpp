@@ -3,6 +3,7 @@
 #include "section_dialog/SKRNumericValidator.h"
 
 #include "plugin/BXQTranslations.h"
+#include "support/ChineseAfterwards.h"
 
 #include <gtest/gtest.h>
 
@@ -48,8 +49,8 @@ TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {
     EXPECT_EQ(wide.intervalText(), QStringLiteral("[1,1.23457e+06]"));  // six significant digits
 }
 
-// Installs the English translation for the rest of the process: keep it the last test here.
 TEST(NumericValidator, TranslatedInterfaceGivesItsOwnMessage) {
+    bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     const SKRNumericValidator reals(0.0, 10000.0, 2, true, false);
     EXPECT_EQ(reals.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));

@@ -20,6 +20,7 @@
 #include "vmp/VMPUserTrace.h"
 
 #include "support/VisibleTexts.h"
+#include "support/ChineseAfterwards.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -435,6 +436,7 @@ TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
 
 // Last in the file: the translation stays installed for the rest of the process.
 TEST_F(SectionPolyDialog, SpeaksTheInstalledLanguage) {
+    bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     SKRSectionPolyDialog dialog(s_model);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Section Library"));

@@ -7,10 +7,10 @@
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
 #include "section_spec/QtPrinters.h"
+#include "support/ChineseAfterwards.h"
 
 #include <gtest/gtest.h>
 
-#include <QTranslator>
 
 #include <climits>
 #include <cmath>
@@ -42,15 +42,6 @@ void expectRecords(const std::vector<Case>& rows) {
     }
 }
 
-// Removes every translator the library installed on the application, whatever the test did.
-struct TranslationGuard {
-    ~TranslationGuard() {
-        for (QTranslator* translator : QCoreApplication::instance()->findChildren<QTranslator*>()) {
-            QCoreApplication::removeTranslator(translator);
-            delete translator;
-        }
-    }
-};
 
 }  // namespace
 
@@ -199,7 +190,7 @@ TEST(ParseCustomSections, EachInterfaceLanguageRecognisesOnlyItsOwnKeyword) {
     EXPECT_EQ(info.sectionType, stInvalid);
     EXPECT_EQ(info.groupType, sgInvalid);
 
-    TranslationGuard guard;
+    bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
     ASSERT_EQ(SKRSectionPolyInfoParser::customSectionKeyword(), QStringLiteral("CustomSection"));
     info = parse(QStringLiteral("CustomSection7"));

@@ -1,0 +1,16 @@
+// Puts the library back to Chinese when a test that switched its language ends, however it ends,
+// so that the tests after it in the same process read the texts they expect.
+#pragma once
+
+#include "plugin/BXQTranslations.h"
+
+namespace bxqtest {
+
+struct ChineseAfterwards {
+    ChineseAfterwards() = default;
+    ChineseAfterwards(const ChineseAfterwards&) = delete;
+    ChineseAfterwards& operator=(const ChineseAfterwards&) = delete;
+    ~ChineseAfterwards() { BXQInstallTranslation(QStringLiteral("zh")); }
+};
+
+}  // namespace bxqtest
