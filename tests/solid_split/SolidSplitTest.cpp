@@ -21,11 +21,14 @@
 #include "vmp/VMPObserver.h"
 #include "vmp/VMPProjectModel.h"
 
+#include "support/LockHolder.h"
+
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 
 using namespace skr::split;
@@ -144,6 +147,23 @@ TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
     EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, false));
     EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, true));
     EXPECT_EQ(entries.size(), 1u);  // untouched
+
+    // Writing into a file without the tables is refused, naming the file and the table.
+    CuttingPlaneRecord plane;
+    plane.id = 1;
+    VMPMember member;
+    const std::pair<const char*, std::function<bool(QString*)>> writes[] = {
+        {"CuttingPlane", [&](QString* error) { return AddCuttingPlaneRecord(&bare, plane, error); }},
+        {"CuttingPlane", [&](QString* error) { return UpdateCuttingPlaneRecord(&bare, plane, error); }},
+        {"CuttingPlane", [&](QString* error) { return DeleteCuttingPlaneRecord(&bare, 1, error); }},
+        {"Member", [&](QString* error) { return VMPAddMember(&bare, member, error); }},
+        {"Member", [&](QString* error) { return VMPRemoveMember(&bare, 1, error); }},
+    };
+    for (const auto& [table, write] : writes) {
+        QString error;
+        EXPECT_FALSE(write(&error)) << table;
+        EXPECT_TRUE(error.contains(QLatin1String("bare.KDB")) && error.contains(QLatin1String(table))) << error.toStdString();
+    }
 }
 
 TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormal) {
@@ -559,6 +579,16 @@ TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
     ASSERT_TRUE(FindCuttingPlaneRecord(db(), record, moved));
     EXPECT_NEAR(moved.local.origin[2], 750, 1e-9);
     EXPECT_EQ(manager.GetOffsetValue(record), 250);
+    {
+        // While another program holds the file for writing, a move fails and the plane stays.
+        ASSERT_TRUE(db()->Flush());
+        ndp::CDatabase::SetBusyTimeout(100);
+        const bxqtest::LockHolder holder(m_dir.filePath("project.KDB"), "BEGIN IMMEDIATE");
+        EXPECT_FALSE(manager.MoveCuttingPlane(record, 100));
+        ndp::CDatabase::SetBusyTimeout(5000);
+    }
+    ASSERT_TRUE(FindCuttingPlaneRecord(db(), record, moved));
+    EXPECT_NEAR(moved.local.origin[2], 750, 1e-9);
 
     // A plane given globally at x = 5500 facing the head is stored 500 back in the tail frame.
     const CoordinateSystem3 global = frame({5500, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0});
