@@ -100,66 +100,46 @@ TEST(StraightMember, VolumeIsSectionAreaTimesLengthAndTheBoxIsTheSectionsAlongTh
 }
 
 TEST(StraightMember, TextsThatMakeNoMemberAreRefusedWithAReason) {
-    const struct {
-        const char* text;
-        double length;
-    } refusals[] = {
-        {"XYZ123", 1000},               // no such type
-        {"H400*200*8*13*13*13", 1000},  // more values than a welded H has
-        {"H400*8*200*13", 1000},        // a web wider than the flange
-        {"H400*200*8*13", 0},           // no length
-    };
-    for (const auto& r : refusals) {
-        SCOPED_TRACE(r.text);
+    // No such type, more values than a welded H has, a web wider than the flange, no length.
+    const std::pair<const char*, double> refusals[] = {
+        {"XYZ123", 1000}, {"H400*200*8*13*13*13", 1000}, {"H400*8*200*13", 1000}, {"H400*200*8*13", 0}};
+    for (const auto& [text, length] : refusals) {
+        SCOPED_TRACE(text);
         QString error;
-        EXPECT_EQ(SKRBodyBuilder::memberFromSpecification(QString::fromLatin1(r.text), r.length, CCoord3(), &error), nullptr);
+        EXPECT_EQ(SKRBodyBuilder::memberFromSpecification(QString::fromLatin1(text), length, CCoord3(), &error), nullptr);
         EXPECT_FALSE(error.isEmpty());
     }
 }
 
 // Sweeps (Pappus: a section centred on the path sweeps area x path length)
 
-TEST(SweptMember, AQuarterArcSweepsAreaTimesArcLength) {
-    const double radius = 500;
-    SKRSweepPath path({0, 0, 0});
-    path.arcTo({radius * std::sin(kPi / 4), radius - radius * std::cos(kPi / 4), 0}, {radius, radius, 0});
+// A rectangle along a quarter arc, and a hollow section along line, quarter arc, line.
+TEST(SweptMember, VolumeIsAreaTimesPathLength) {
+    const double radius = 500, chord = radius * std::sin(kPi / 4), rise = radius - radius * std::cos(kPi / 4);
+    SKRSweepPath quarter, lineArcLine;
+    quarter.arcTo({chord, rise, 0}, {radius, radius, 0});
+    lineArcLine.lineTo({1000, 0, 0});
+    lineArcLine.arcTo({1000 + chord, rise, 0}, {1000 + radius, radius, 0});
+    lineArcLine.lineTo({1000 + radius, 1500, 0});
     QString error;
-    BodyPtr body(SKRBodyBuilder::sweptMember(centredRectangle(20, 10), path, {0, 0, 1}, &error));
-    ASSERT_TRUE(body) << error.toStdString();
-    EXPECT_NEAR(body->Volume(), 20 * 10 * kPi * radius / 2, 1e-6 * body->Volume());
-    EXPECT_TRUE(body->IsValid());
+    BodyPtr arc(SKRBodyBuilder::sweptMember(centredRectangle(20, 10), quarter, {0, 0, 1}, &error));
+    ASSERT_TRUE(arc) << error.toStdString();
+    BodyPtr hollow(SKRBodyBuilder::sweptMember(ring(30, 25), lineArcLine, {0, 1, 0}, &error));
+    ASSERT_TRUE(hollow) << error.toStdString();
+    const double length = 1000 + kPi * radius / 2 + (1500 - radius), area = kPi * (30 * 30 - 25 * 25);
+    EXPECT_NEAR(arc->Volume(), 20 * 10 * kPi * radius / 2, 1e-6 * arc->Volume());
+    EXPECT_NEAR(hollow->Volume(), area * length, 1e-6 * area * length);
+    EXPECT_TRUE(arc->IsValid() && hollow->IsValid());
+    EXPECT_EQ(hollow->SolidCount(), 1);
     // The section's X (20 wide) stands along global Z.
-    const ndp::CBox3d box = body->BoundingBox();
-    EXPECT_NEAR(box.min[2], -10, 1e-6);
-    EXPECT_NEAR(box.max[2], 10, 1e-6);
-    EXPECT_NEAR(box.max[0], radius + 5, 1e-3);
-    EXPECT_NEAR(box.max[1], radius, 1e-6);
-}
-
-TEST(SweptMember, AHollowSectionAlongLineArcLine) {
-    const double radius = 500;
-    SKRSweepPath path({0, 0, 0});
-    path.lineTo({1000, 0, 0});
-    path.arcTo({1000 + radius * std::sin(kPi / 4), radius - radius * std::cos(kPi / 4), 0}, {1000 + radius, radius, 0});
-    path.lineTo({1000 + radius, 1500, 0});
-    QString error;
-    BodyPtr body(SKRBodyBuilder::sweptMember(ring(30, 25), path, {0, 1, 0}, &error));
-    ASSERT_TRUE(body) << error.toStdString();
-    const double length = 1000 + kPi * radius / 2 + (1500 - radius);
-    const double area = kPi * (30 * 30 - 25 * 25);
-    EXPECT_NEAR(body->Volume(), area * length, 1e-6 * area * length);
-    EXPECT_EQ(body->SolidCount(), 1);
-    EXPECT_TRUE(body->IsValid());
+    expectBox(*arc, {0, -5, -10}, {radius + 5, radius, 10}, 1e-3);
 }
 
 TEST(SpiralMember, VolumeIsAreaTimesHelixLength) {
     // A round bar of radius 10 wound twice round a radius of 100, rising 50 per turn. The helix is
     // a B-spline approximation on the cylinder: volume within 1e-6 of A x L (3e-8 measured), box
     // within 0.5 mm.
-    SKRHelix h;
-    h.radius = 100;
-    h.pitch = 50;
-    h.turns = 2;
+    SKRHelix h{{}, 100, 50, 2};
     const double length = h.turns * std::hypot(2 * kPi * h.radius, h.pitch);
     const double area = kPi * 10 * 10;
     // The section tilts with the helix: it reaches r cos(angle) below the start.
