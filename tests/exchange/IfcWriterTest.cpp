@@ -53,11 +53,9 @@ TEST(StepWriter, RealsAreShortestExactAndHaveAPoint) {
 
 TEST(StepWriter, StringsAreEscapedAndGlobalIdsComeFromTheirKeys) {
     const std::pair<QString, const char*> cases[] = {
-        {QStringLiteral("H400*200*8*13"), "'H400*200*8*13'"},
-        {QStringLiteral("it's"), "'it''s'"},
-        {QStringLiteral("a\\b"), "'a\\\\b'"},
+        {QStringLiteral("H400*200*8*13"), "'H400*200*8*13'"}, {QStringLiteral("it's"), "'it''s'"},
+        {QStringLiteral("a\\b"), "'a\\\\b'"}, {QStringLiteral("\u25a1150*150*6"), "'\\X2\\25A1\\X0\\150*150*6'"},
         {QStringLiteral("热轧H型钢"), "'\\X2\\70ED8F67\\X0\\H\\X2\\578B94A2\\X0\\'"},
-        {QStringLiteral("\u25a1150*150*6"), "'\\X2\\25A1\\X0\\150*150*6'"},
         {QString::fromUcs4(U"a\U0001F600b"), "'a\\X4\\0001F600\\X0\\b'"},
         {QStringLiteral("line\nbreak"), "'line\\X2\\000A\\X0\\break'"},
     };
@@ -134,10 +132,7 @@ protected:
         ASSERT_TRUE(skr::split::AddCuttingPlaneRecord(m_model.getProjectDB(), cut, nullptr));
     }
     void addMember(const QString& section, const ndp::CVector3& from, const ndp::CVector3& to) {
-        VMPMember member;
-        member.section = section;
-        member.start = from;
-        member.end = to;
+        VMPMember member{0, section, from, to};
         ASSERT_TRUE(VMPAddMember(m_model.getProjectDB(), member, nullptr));
     }
     // Each into a folder of its own under the same name, as the file's header names it.
