@@ -127,9 +127,8 @@ TEST_F(FaceSteel, DialogOpensOnTheFirstClassWithNoneChosenAndOkWarns) {
     dialog.show();
     QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
     ASSERT_EQ(m_boxes.size(), 1);
-    EXPECT_EQ(m_boxes[0].kind, QStringLiteral("warning"));
-    EXPECT_EQ(m_boxes[0].title, QStringLiteral("提示"));
-    EXPECT_EQ(m_boxes[0].text, QStringLiteral("请先选中钢板信息"));
+    EXPECT_EQ((QStringList{m_boxes[0].kind, m_boxes[0].title, m_boxes[0].text}),
+              (QStringList{"warning", QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")}));
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(dialog.result(), QDialog::Rejected);
 }
