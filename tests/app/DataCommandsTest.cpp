@@ -14,6 +14,7 @@
 #include "vmp/VMPProjectModel.h"
 
 #include "support/BxqProcess.h"
+#include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
 #include "support/LockHolder.h"
 
@@ -29,7 +30,6 @@
 #include <QSet>
 #include <QTemporaryDir>
 
-#include <array>
 #include <optional>
 
 using ndp::EnDBFieldKind;
@@ -64,41 +64,42 @@ void expectNoJournal(const QString& folder) {
     EXPECT_TRUE(QDir(folder).entryList({"*-journal"}, QDir::Files | QDir::Hidden).isEmpty());
 }
 
-// A small catalogue in the shipped layout; params in the order h, b, d, t, r, r1, B, tw, c, D. The
-// h of the row named damaged is a long text that damageLongRow makes unreadable.
-void writeCatalogue(const QString& path, const std::wstring& damaged = {}) {
-    struct Row { int type, sub; const wchar_t* name; double weight, area; std::vector<double> params; };
-    const Row rows[] = {
-        {1, 1, L"I20a", 27.929, 0.742, {200, 100, 7, 11.4, 9, 4.5, 0, 0, 0, 0}},
-        {1, 1, L"I20b", 31.069, 0.746, {200, 102, 9, 11.4, 9, 4.5, 0, 0, 0, 0}},
-        {2, 1, L"[20a", 22.637, 0.77, {200, 73, 7, 11, 11, 5.5, 0, 0, 0, 0}},
-        {3, 1, L"L100*10", 15.12, 0.39, {0, 100, 10, 0, 12, 0, 0, 0, 0, 0}},
-        {7, 3, L"HN400*200*8*13", 65.4, 1.36, {400, 200, 0, 13, 16, 0, 0, 8, 0, 0}},
-        {1011, 1, L"\u25A1150*150*6", 26.402, 0.5794, {150, 150, 0, 6, 0, 0, 0, 0, 0, 0}},
+// One record of a table, each value set as its type: int, double, or text.
+void addRecord(ndp::CDBTable* table, const QVariantList& values) {
+    ndp::CDBRecord* record = table->CreateRecord();
+    for (int i = 0; i < values.size(); ++i) {
+        if (values[i].userType() == QMetaType::Int) record->SetInt(i, values[i].toInt());
+        else if (values[i].userType() == QMetaType::Double) record->SetDouble(i, values[i].toDouble());
+        else record->SetString(i, values[i].toString().toStdWString());
+    }
+    ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
+    record->Release();
+}
+
+// A small catalogue in the shipped layout: type, sub, name, kg/m, m2/m, then h, b, d, t, r, r1, B,
+// tw, c, D as texts. The h of the row named damaged is a long text that damageLongRow makes unreadable.
+void writeCatalogue(const QString& path, const QString& damaged = {}) {
+    const QVariantList rows[] = {
+        {1, 1, "I20a", 27.929, 0.742, "200", "100", "7", "11.4", "9", "4.5", "0", "0", "0", "0"},
+        {1, 1, "I20b", 31.069, 0.746, "200", "102", "9", "11.4", "9", "4.5", "0", "0", "0", "0"},
+        {2, 1, "[20a", 22.637, 0.77, "200", "73", "7", "11", "11", "5.5", "0", "0", "0", "0"},
+        {3, 1, "L100*10", 15.12, 0.39, "0", "100", "10", "0", "12", "0", "0", "0", "0", "0"},
+        {7, 3, "HN400*200*8*13", 65.4, 1.36, "400", "200", "0", "13", "16", "0", "0", "8", "0", "0"},
+        {1011, 1, "\u25A1150*150*6", 26.402, 0.5794, "150", "150", "0", "6", "0", "0", "0", "0", "0", "0"},
     };
     ndp::CDatabase db;
     ASSERT_TRUE(db.Create(path));
-    std::vector<ndp::CDBField> fields{{L"PolyID", EnDBFieldKind::Int32, true}, {L"SubClassID", EnDBFieldKind::Int32, true},
-                                      {L"StandardName", EnDBFieldKind::Text, true}, {L"WeightMeter", EnDBFieldKind::Double},
-                                      {L"AreaVal", EnDBFieldKind::Double}};
-    for (const wchar_t* field : {L"h", L"b", L"d", L"t", L"r", L"r1", L"B", L"tw", L"c", L"D"})
+    std::vector<ndp::CDBField> fields = bxqtest::systemCatalogueFields();
+    for (const wchar_t* field : {L"r", L"r1", L"B", L"tw", L"c", L"D"})
         fields.emplace_back(field, EnDBFieldKind::Text);
     ndp::CDBTable* table = db.CreateTable(L"SectionPolyInfor", fields);
     ASSERT_NE(table, nullptr);
-    for (const auto& row : rows) {
-        ndp::CDBRecord* record = table->CreateRecord();
-        record->SetInt(0, row.type);
-        record->SetInt(1, row.sub);
-        record->SetString(2, row.name);
-        record->SetDouble(3, row.weight);
-        record->SetDouble(4, row.area);
-        for (size_t i = 0; i < row.params.size(); ++i) record->SetString(int(5 + i), shortest(row.params[i]).toStdWString());
-        if (row.name == damaged) record->SetString(5, bxqtest::longNumberText("200").toStdWString());
-        ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
-        record->Release();
+    for (QVariantList row : rows) {
+        if (row[2] == damaged) row[5] = bxqtest::longNumberText("200");
+        addRecord(table, row);
     }
     ASSERT_TRUE(db.Flush());
-    if (!damaged.empty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
+    if (!damaged.isEmpty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
 }
 
 void writePlates(const QString& path) {
@@ -107,14 +108,8 @@ void writePlates(const QString& path) {
     ndp::CDBTable* table = db.CreateTable(
         L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true}, {L"Thickness", EnDBFieldKind::Double}, {L"Weight", EnDBFieldKind::Double}});
     ASSERT_NE(table, nullptr);
-    for (const auto& row : {std::array<double, 3>{1, 20, 157}, {1, 4.5, 35.325}, {2, 0.5, 3.925}}) {
-        ndp::CDBRecord* record = table->CreateRecord();
-        record->SetInt(0, static_cast<int>(row[0]));
-        record->SetDouble(1, row[1]);
-        record->SetDouble(2, row[2]);
-        table->AddRecord(record);
-        record->Release();
-    }
+    for (const QVariantList& row : {QVariantList{1, 20.0, 157.0}, {1, 4.5, 35.325}, {2, 0.5, 3.925}})
+        addRecord(table, row);
     ASSERT_TRUE(db.Flush());
 }
 
@@ -149,15 +144,7 @@ void writeProject(const QString& path, const QString& damaged = {}) {
     ndp::CDBTable* table = model.getProjectDB()->GetTable(skr::section::schema::user_section::table);
     for (int sub = 1; sub <= 3; ++sub) {
         const QString name = QStringLiteral("Z%1(ZDY)").arg(sub);
-        ndp::CDBRecord* record = table->CreateRecord();
-        record->SetInt(0, 9);
-        record->SetInt(1, sub);
-        record->SetString(2, name.toStdWString());
-        record->SetDouble(3, 12.5);
-        record->SetDouble(4, 0.6);
-        record->SetString(5, ("h=" + (name == damaged ? bxqtest::longNumberText("270") : "270")).toStdWString());
-        ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
-        record->Release();
+        addRecord(table, {9, sub, name, 12.5, 0.6, "h=" + (name == damaged ? bxqtest::longNumberText("270") : "270")});
     }
     ASSERT_TRUE(model.save());
     if (!damaged.isEmpty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
@@ -259,10 +246,9 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     EXPECT_EQ(described(stored[0]), "9/1 Z270*80*8*3(ZDY) 12.5 0.6 h=270 b=80");  // blanks gone, the mark appended
 
     // The next section of the same type takes the next sub number unless one is given.
-    ASSERT_EQ(run(QStringList{"user-section", "add", "Z300*80*8*3(ZDY)"} + project +
-                  QStringList{"--type", "9", "--weight", "14", "--area", "0.65"}).exitCode, 0);
-    ASSERT_EQ(run(QStringList{"user-section", "add", "L100*10"} + project +
-                  QStringList{"--type", "3", "--sub", "7", "--weight", "15", "--area", "0.39"}).exitCode, 0);
+    for (const QStringList& more : {QStringList{"Z300*80*8*3(ZDY)", "--type", "9", "--weight", "14", "--area", "0.65"},
+                                    QStringList{"L100*10", "--type", "3", "--sub", "7", "--weight", "15", "--area", "0.39"}})
+        ASSERT_EQ(run(QStringList{"user-section", "add"} + more + project).exitCode, 0);
     stored = userSections(m_project);
     ASSERT_EQ(stored.size(), 3u);
     EXPECT_EQ(stored[1].subId, 2);
@@ -306,17 +292,11 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
     const QList<QStringList> cases{
         {"catalogue", "--type", "x"}, {"catalogue", "I20a"}, {"wpm"}, {"apm", "--project"}, {"face-steel", "1"},
         {"face-steel", "1", "thick"}, {"user-section"}, {"user-section", "rename", "X1", "--project", fresh},
-        {"user-section", "list"},
-        add("Z1", {"--weight", "1", "--area", "1"}),
-        add("Z1", {"--type", "11", "--weight", "1", "--area", "1"}),
-        add("Z1", {"--type", "9", "--weight", "heavy", "--area", "1"}),
-        add("Z1", {"--type", "9", "--weight", "-1", "--area", "1"}),
-        add("Z1", figures + QStringList{"--param", "h"}),
-        add("Z1", figures + QStringList{"--param", "h;x=1"}),
-        add("I20a\") OR 1=1 --", beam),
-        add("x'; DROP TABLE SectionPolyInfor; --", beam),
-        add("a\"b", beam),
-        add("(ZDY)", beam),
+        {"user-section", "list"}, add("Z1", {"--weight", "1", "--area", "1"}),
+        add("Z1", {"--type", "11", "--weight", "1", "--area", "1"}), add("Z1", figures + QStringList{"--param", "h"}),
+        add("Z1", {"--type", "9", "--weight", "heavy", "--area", "1"}), add("a\"b", beam), add("(ZDY)", beam),
+        add("Z1", {"--type", "9", "--weight", "-1", "--area", "1"}), add("I20a\") OR 1=1 --", beam),
+        add("Z1", figures + QStringList{"--param", "h;x=1"}), add("x'; DROP TABLE SectionPolyInfor; --", beam),
         {"user-section", "update", "Z1", "--project", fresh},
         {"user-section", "update", "Z1", "--project", fresh, "--type", "3", "--weight", "1"},
         {"user-section", "remove", "--project", fresh, "--type", "9"},
@@ -330,17 +310,32 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
     EXPECT_FALSE(QFile::exists(fresh));
 }
 
-TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
+TEST_F(BxqDataTest, ParseTakesCatalogueDimensionsOnlyForNamesThatNeedThemAndMissingOrCorruptFilesAreNamed) {
+    const QJsonObject beam = QJsonDocument::fromJson(run({"parse", "--json", "I20a"}).out).object();
+    EXPECT_EQ(beam.value("params").toArray(), (QJsonArray{200, 100, 7, 11.4}));
+
+    // Without any database, texts that need no catalogue parse as before, silently; a catalogue
+    // name is parsed without dimensions and the missing file is said once.
     QTemporaryDir empty;
     const QString catalogue = empty.filePath("SKRSectionPolyDB.KDB"), plates = empty.filePath("SysInfo.KDB");
+    const BxqRun welded = bxq(empty.path(), {"parse", "--json", "H400*200*8*13", "D114*4"});
+    EXPECT_TRUE(welded.exitCode == 0 && welded.lines().size() == 2 && welded.err.isEmpty()) << welded.err.constData();
+    const BxqRun names = bxq(empty.path(), {"parse", "--json", "I20a", "[20a", "I20b"});
+    EXPECT_TRUE(names.exitCode == 0 && names.lines().size() == 3);
+    EXPECT_EQ(names.err.count('\n'), 1);
+    EXPECT_TRUE(QString::fromUtf8(names.err).contains(catalogue));
+    EXPECT_TRUE(QJsonDocument::fromJson(names.out.split('\n').value(0)).object().value("params").toArray().isEmpty());
+
+    // The verbs that need a file refuse, naming it, whether it is missing or not a database.
     const QString project = m_work.filePath("broken.KDB");
     const auto refused = [](const QString& dataDir, const QStringList& arguments, const QString& file) {
         SCOPED_TRACE(arguments.join(' ').toStdString());
         expectRefused(bxq(dataDir, arguments), file);
     };
-    refused(empty.path(), {"wpm", "I20a"}, catalogue);
-    refused(empty.path(), {"catalogue"}, catalogue);
-    refused(empty.path(), {"face-steel", "1", "20"}, plates);
+    const auto refusedAll = [&](const QList<QPair<QStringList, QString>>& cases) {
+        for (const auto& [arguments, file] : cases) refused(empty.path(), arguments, file);
+    };
+    refusedAll({{{"wpm", "I20a"}, catalogue}, {{"catalogue"}, catalogue}, {{"face-steel", "1", "20"}, plates}});
     EXPECT_EQ(QString::fromUtf8(bxq(empty.path(), {"apm", "I20a"}).err).trimmed(),
               QStringLiteral("bxq: [%1]文件不存在 (looked in BXQ_DATA_DIR=%2)").arg(catalogue, empty.path()));
 
@@ -350,10 +345,8 @@ TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
         garbage.write(path == project ? QByteArray("not a database at all, just some text that is long enough to be a header...")
                                       : QByteArray(4096, '\x5a'));
     }
-    refused(empty.path(), {"wpm", "I20a"}, catalogue);
-    refused(empty.path(), {"apm", "-"}, catalogue);
-    refused(empty.path(), {"catalogue", "--json"}, catalogue);
-    refused(empty.path(), {"face-steel", "1", "20"}, plates);
+    refusedAll({{{"wpm", "I20a"}, catalogue}, {{"apm", "-"}, catalogue}, {{"catalogue", "--json"}, catalogue},
+                {{"face-steel", "1", "20"}, plates}});
 
     // A project that cannot be opened is named too, and left as it was.
     const QByteArray before = digest(project);
@@ -365,22 +358,6 @@ TEST_F(BxqDataTest, MissingOrCorruptFilesAreNamedInOneLineAndStopTheVerb) {
     EXPECT_EQ(digest(project), before);
     EXPECT_EQ(run({"wpm", "--project", m_work.filePath("none.KDB"), "I20a"}).exitCode, 1);
     EXPECT_FALSE(QFile::exists(m_work.filePath("none.KDB")));
-}
-
-TEST_F(BxqDataTest, ParseTakesCatalogueDimensionsOnlyForNamesThatNeedThem) {
-    const QJsonObject beam = QJsonDocument::fromJson(run({"parse", "--json", "I20a"}).out).object();
-    EXPECT_EQ(beam.value("params").toArray(), (QJsonArray{200, 100, 7, 11.4}));
-
-    // Without any database, texts that need no catalogue parse as before, silently; a catalogue
-    // name is parsed without dimensions and the missing file is said once.
-    QTemporaryDir empty;
-    const BxqRun welded = bxq(empty.path(), {"parse", "--json", "H400*200*8*13", "D114*4"});
-    EXPECT_TRUE(welded.exitCode == 0 && welded.lines().size() == 2 && welded.err.isEmpty()) << welded.err.constData();
-    const BxqRun names = bxq(empty.path(), {"parse", "--json", "I20a", "[20a", "I20b"});
-    EXPECT_TRUE(names.exitCode == 0 && names.lines().size() == 3);
-    EXPECT_EQ(names.err.count('\n'), 1);
-    EXPECT_TRUE(QString::fromUtf8(names.err).contains(empty.filePath("SKRSectionPolyDB.KDB")));
-    EXPECT_TRUE(QJsonDocument::fromJson(names.out.split('\n').value(0)).object().value("params").toArray().isEmpty());
 }
 
 // The shipped catalogue: the figures bxq prints are those of the file; with one byte of it
@@ -447,7 +424,7 @@ TEST(BxqShippedDatabases, PrintTheCatalogueFiguresAndAFlippedByteIsRefusedOrChan
 
 TEST_F(BxqFaultTest, ADamagedRowIsAnErrorForEveryVerbThatReadsIt) {
     ASSERT_TRUE(QFile::remove(m_catalogue));
-    writeCatalogue(m_catalogue, L"I20a");
+    writeCatalogue(m_catalogue, "I20a");
     writeProject(m_project, "Z2(ZDY)");
     const QByteArray catalogueBefore = digest(m_catalogue), projectBefore = digest(m_project);
     for (const auto& [verb, file] : QList<QPair<QStringList, QString>>{
@@ -538,19 +515,13 @@ TEST_F(BxqFaultTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
         ASSERT_TRUE(shell->waitForFinished(600000));
         EXPECT_EQ(shell->exitCode(), 0) << shell->readAllStandardError().constData();
     }
-    ndp::CDatabase db;
-    ASSERT_TRUE(db.Open(m_project, true));
-    ndp::CDBTable* table = db.GetTable(skr::section::schema::user_section::table);
-    ndp::CFileAddressList rows;
-    ASSERT_TRUE(table->ListAll(rows));
-    EXPECT_EQ(rows.GetCount(), writers * adds);
+    const std::vector<SKRHotRollingSection> rows = userSections(m_project);
+    EXPECT_EQ(rows.size(), size_t(writers * adds));
     QSet<int> subs;
     QSet<QString> names;
-    for (int i = 0; i < rows.GetCount(); ++i) {
-        ndp::CDBRecord* record = table->GetRecord(rows.GetItem(i));
-        subs.insert(record->GetInt(1));
-        names.insert(QString::fromStdWString(record->GetString(2)));
-        record->Release();
+    for (const SKRHotRollingSection& row : rows) {
+        subs.insert(row.subId);
+        names.insert(QString::fromStdWString(row.standardName));
     }
     EXPECT_EQ(subs.size(), writers * adds);
     EXPECT_EQ(names.size(), writers * adds);

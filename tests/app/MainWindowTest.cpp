@@ -138,8 +138,13 @@ protected:
 
 }  // namespace
 
-TEST_F(MainWindow, ShowsTheRecordsTheDialogsReturn) {
+// The project's own sections are listed after the next dialog; closing with them unsaved asks first.
+TEST_F(MainWindow, ShowsTheRecordsTheDialogsReturnAndClosingWithUnsavedSectionsAsks) {
     EXPECT_TRUE(QFileInfo::exists(m_dir.filePath("p.KDB")));
+    EXPECT_FALSE(m_window->isModified());
+    skr::section::SKRHotRollingSection section{9, 1, L"Z9*9*2*1(ZDY)", 0, 0, {}};
+    ASSERT_TRUE(skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()->addSection(section));
+    EXPECT_TRUE(m_window->isModified());
     whileModal<SKRSectionPolyDialog>([](SKRSectionPolyDialog& dialog) {
         dialog.setParameter(parse(QStringLiteral("I20a")));
         dialog.accept();
@@ -147,6 +152,8 @@ TEST_F(MainWindow, ShowsTheRecordsTheDialogsReturn) {
     m_window->openSectionLibrary();
     ASSERT_EQ(m_window->sectionRecords()->rowCount(), 1);
     EXPECT_EQ(row(m_window->sectionRecords(), 0), (QStringList{"热轧工字钢", "I20a", "50, 100", "27.900", "0.7420"}));
+    ASSERT_EQ(m_window->userSections()->rowCount(), 1);
+    EXPECT_EQ(m_window->userSections()->item(0, 0)->text(), QStringLiteral("Z9*9*2*1(ZDY)"));
 
     whileModal<BXQFaceSteelDialog>([](BXQFaceSteelDialog& dialog) {
         dialog.findChildren<QTableWidget*>().value(1)->setCurrentCell(2, 0);  // the thicknesses
@@ -160,20 +167,6 @@ TEST_F(MainWindow, ShowsTheRecordsTheDialogsReturn) {
     m_window->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
     EXPECT_TRUE(saveScreen(*m_window, QStringLiteral("bxq_main_window")));
-}
-
-TEST_F(MainWindow, ClosingWithUnsavedSectionsAsksAndSavesOnRequest) {
-    EXPECT_FALSE(m_window->isModified());
-    skr::section::SKRHotRollingSection section{9, 1, L"Z9*9*2*1(ZDY)", 0, 0, {}};
-    ASSERT_TRUE(skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()->addSection(section));
-    EXPECT_TRUE(m_window->isModified());
-    // The list follows the project after the next dialog.
-    whileModal<SKRSectionPolyDialog>([](SKRSectionPolyDialog& dialog) { dialog.reject(); });
-    m_window->openSectionLibrary();
-    ASSERT_EQ(m_window->userSections()->rowCount(), 1);
-    EXPECT_EQ(m_window->userSections()->item(0, 0)->text(), QStringLiteral("Z9*9*2*1(ZDY)"));
-
-    m_window->show();
     EXPECT_FALSE(m_window->close());
     EXPECT_EQ(m_boxes, QStringList{QStringLiteral("项目已修改，是否保存？")});
     m_answer = QMessageBox::Save;
@@ -182,8 +175,17 @@ TEST_F(MainWindow, ClosingWithUnsavedSectionsAsksAndSavesOnRequest) {
     EXPECT_EQ(m_boxes.size(), 2);
 }
 
-TEST_F(ModelView, PlanesAddedAtPickedPointsMovedDeletedAndUndone) {
+// Refused input changes nothing and logs no step: the undos below count from the member.
+TEST_F(ModelView, RefusedInputChangesNothingAndPlanesAddedAtPickedPointsAreMovedDeletedAndUndone) {
     QString error;
+    EXPECT_FALSE(m_window->addMember(QStringLiteral("NOSUCH"), {0, 0, 0}, {1000, 0, 0}, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("NOSUCH"))) << error.toStdString();
+    EXPECT_FALSE(m_window->addMember(QStringLiteral("H400*200*8*13"), {5, 5, 5}, {5, 5, 5}, &error));
+    EXPECT_FALSE(m_window->addCuttingPlaneAt(m_member + 7, {0, 0, 0}, &error));
+    EXPECT_TRUE(error.contains(QString::number(m_member + 7))) << error.toStdString();
+    EXPECT_FALSE(m_window->moveSelectedPlane(10.0, &error));
+    EXPECT_EQ(members().size(), 1u);
+    EXPECT_TRUE(planes().empty());
     // Near the head the plane's normal points along the axis, near the tail back along it.
     for (const auto& [point, tail, normalX] : {std::tuple<ndp::CVector3, bool, double>{{500, 0, 100}, false, 1.0},
                                                std::tuple<ndp::CVector3, bool, double>{{5800, 50, 0}, true, -1.0}}) {
@@ -233,21 +235,6 @@ TEST_F(ModelView, PlanesAddedAtPickedPointsMovedDeletedAndUndone) {
     EXPECT_EQ(m_window->modelScene()->memberCount(), 0);
     m_window->redo();
     EXPECT_EQ(m_window->modelScene()->memberCount(), 1);
-}
-
-TEST_F(ModelView, RefusedInputChangesNothing) {
-    QString error;
-    EXPECT_FALSE(m_window->addMember(QStringLiteral("NOSUCH"), {0, 0, 0}, {1000, 0, 0}, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("NOSUCH"))) << error.toStdString();
-    EXPECT_FALSE(m_window->addMember(QStringLiteral("H400*200*8*13"), {5, 5, 5}, {5, 5, 5}, &error));
-    EXPECT_FALSE(m_window->addCuttingPlaneAt(m_member + 7, {0, 0, 0}, &error));
-    EXPECT_TRUE(error.contains(QString::number(m_member + 7))) << error.toStdString();
-    EXPECT_FALSE(m_window->moveSelectedPlane(10.0, &error));
-    EXPECT_EQ(members().size(), 1u);
-    EXPECT_TRUE(planes().empty());
-    // The last logged step is still the member.
-    m_window->undo();
-    EXPECT_TRUE(members().empty());
 }
 
 TEST_F(ModelView, ClicksToggleAPlaneAloneAndAddPlanesOnMembers) {
