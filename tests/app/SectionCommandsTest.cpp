@@ -150,12 +150,8 @@ TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSections) {
     // I20a: h 200, b 100, d 7, t 11.4, r 9, r1 4.5 in the catalogue.
     const double i20a = 200 * 7 + 2 * 11.4 * 93 + 4 * filletArea(9, turn) - 4 * filletArea(4.5, turn);
     // Figures as name, value, tolerance.
-    struct Case {
-        QStringList arguments;
-        std::vector<std::tuple<const char*, double, double>> figures;
-        QVector<double> bbox, centroid;
-        double centroidTolerance;
-    };
+    struct Case { QStringList arguments; std::vector<std::tuple<const char*, double, double>> figures;
+                  QVector<double> bbox, centroid; double centroidTolerance; };
     const Case cases[] = {
         {{"0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"},
          {{"area", 5000, 0}, {"perimeter", 300, 0}, {"ix", 100 * std::pow(50, 3) / 12, 1e-6},
@@ -199,8 +195,8 @@ TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSections) {
 
 TEST(OutlineCommand, ThePictureHasTrueArcsFilledWithHolesCut) {
     QTemporaryDir dir;
-    ASSERT_EQ(bxq({"outline", "--section", "I20a", "--svg", dir.filePath("i.svg")}).exitCode, 0);
-    ASSERT_EQ(bxq({"outline", "--section", "D89*4", "--svg", dir.filePath("d.svg")}).exitCode, 0);
+    for (const auto& [section, file] : {std::pair{"I20a", "i.svg"}, {"D89*4", "d.svg"}})
+        ASSERT_EQ(bxq({"outline", "--section", section, "--svg", dir.filePath(file)}).exitCode, 0);
     const QString svg = contents(dir.filePath("i.svg")), tube = contents(dir.filePath("d.svg"));
     EXPECT_TRUE(svg.startsWith(QStringLiteral("<svg xmlns=\"http://www.w3.org/2000/svg\"")));
     // The picture's y axis points down: counter-clockwise arcs of the outline are drawn with sweep 0.
