@@ -36,13 +36,6 @@ void expectBox(const CBody& body, const CVector3& min, const CVector3& max, doub
     }
 }
 
-// A width x height rectangle centred on the origin.
-CPolygon centredRectangle(double width, double height) {
-    CPolygon polygon;
-    polygon.AddLoop(rectangle(-width / 2, -height / 2, width / 2, height / 2), true);
-    return polygon;
-}
-
 // A circle, or a ring when inner > 0, centred on the origin.
 CPolygon ring(double outer, double inner = 0.0) {
     CPolygon polygon;
@@ -73,13 +66,7 @@ TEST(StraightMember, VolumeIsSectionAreaTimesLengthAndTheBoxIsTheSectionsAlongTh
         return [text](QString* e) { return SKRBodyBuilder::memberFromSpecification(text, 6000, CCoord3(), e); };
     };
     const double ringArea = kPi * (44.5 * 44.5 - 40.5 * 40.5);
-    const struct {
-        const char* name;
-        Make make;
-        double volume;
-        CVector3 min, max;
-        double tolerance;
-    } members[] = {
+    const struct { const char* name; Make make; double volume; CVector3 min, max; double tolerance; } members[] = {
         {"welded H from its outline", extruded(*weldedH, 6000), hArea(400, 200, 8, 13) * 6000, {0, 0, 0}, {200, 400, 6000}, 1e-9},
         {"a ring of true arcs", extruded(ring(44.5, 40.5), 3000), ringArea * 3000, {-44.5, -44.5, 0}, {44.5, 44.5, 3000}, 1e-7},
         {"elliptic cylinder wide", elliptic(150, 80), kPi * 150 * 80 * 500, {-150, -80, 0}, {150, 80, 500}, 1e-6},
@@ -121,8 +108,10 @@ TEST(SweptMember, VolumeIsAreaTimesPathLength) {
     lineArcLine.lineTo({1000, 0, 0});
     lineArcLine.arcTo({1000 + chord, rise, 0}, {1000 + radius, radius, 0});
     lineArcLine.lineTo({1000 + radius, 1500, 0});
+    CPolygon rectangle20x10;  // centred on the path
+    rectangle20x10.AddLoop(rectangle(-10, -5, 10, 5), true);
     QString error;
-    BodyPtr arc(SKRBodyBuilder::sweptMember(centredRectangle(20, 10), quarter, {0, 0, 1}, &error));
+    BodyPtr arc(SKRBodyBuilder::sweptMember(rectangle20x10, quarter, {0, 0, 1}, &error));
     ASSERT_TRUE(arc) << error.toStdString();
     BodyPtr hollow(SKRBodyBuilder::sweptMember(ring(30, 25), lineArcLine, {0, 1, 0}, &error));
     ASSERT_TRUE(hollow) << error.toStdString();
