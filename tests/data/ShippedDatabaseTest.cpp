@@ -37,11 +37,6 @@ namespace {
 
 const int kCatalogueTypes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 1011};
 
-// Parameters of a catalogue row by name; a family's absent dimensions read as zero.
-std::map<std::wstring, double> paramsOf(const SKRHotRollingSection& row) {
-    return {row.params.begin(), row.params.end()};
-}
-
 // Half a unit of the last digit with which a figure is written (27.9 -> 0.05, 8.395 -> 0.0005).
 double halfUnit(double value) {
     const QString text = QString::number(value, 'g', 15);
@@ -103,7 +98,7 @@ TEST_F(ShippedDatabase, EveryCatalogueRowHasACatalogueTypeAndItsNameParsesBackTo
         const GSectionPolyInfo info = parser.sectionPolyInfo();
         EXPECT_EQ(info.sectionType, row.sectionType);
         EXPECT_EQ(info.name, name) << "the name is not written as users type it";
-        auto params = paramsOf(row);
+        std::map<std::wstring, double> params(row.params.begin(), row.params.end());  // absent dimensions read as zero
         QList<double> expected;
         if (row.sectionType == 1 || row.sectionType == 2) {
             expected = {params[L"h"], params[L"b"], params[L"d"], params[L"t"]};
@@ -128,7 +123,7 @@ TEST_F(ShippedDatabase, EveryWeightAgreesWithItsDimensions) {
     for (const SKRHotRollingSection& row : allRows()) {
         const QString name = QString::fromStdWString(row.standardName);
         SCOPED_TRACE(name.toStdString());
-        auto p = paramsOf(row);
+        std::map<std::wstring, double> p(row.params.begin(), row.params.end());
         const double w = row.weightMeter;
         const double h = p[L"h"], b = p[L"b"], d = p[L"d"], t = p[L"t"], r = p[L"r"], r1 = p[L"r1"];
         double area = 0;        // mm2 from the dimensions
