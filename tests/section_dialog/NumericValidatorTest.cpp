@@ -34,7 +34,7 @@ TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
     for (const auto& interval : intervals) EXPECT_EQ(interval.first.intervalText(), QString(interval.second));
 }
 
-TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {
+TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimalsInTheInstalledLanguage) {
     const SKRNumericValidator integers(1, 99, true, true);
     EXPECT_EQ(integers.invalidMessage(QString()), QStringLiteral("请输入[1,99]之间的整数。"));
     EXPECT_EQ(integers.invalidMessage(QStringLiteral("h: ")), QStringLiteral("h: 请输入[1,99]之间的整数。"));
@@ -42,11 +42,10 @@ TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {
     EXPECT_EQ(reals.invalidMessage(QString()), QStringLiteral("请输入[0.5,200)之间的实数, 如果是小数请保留3位。"));
     const SKRNumericValidator wide(1.0, 1234567.0, 1, true, true);
     EXPECT_EQ(wide.intervalText(), QStringLiteral("[1,1.23457e+06]"));  // six significant digits
-}
 
-TEST(NumericValidator, TranslatedInterfaceGivesItsOwnMessage) {
+    // A translated interface gives its own message.
     bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
-    const SKRNumericValidator reals(0.0, 10000.0, 2, true, false);
-    EXPECT_EQ(reals.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));
+    const SKRNumericValidator translated(0.0, 10000.0, 2, true, false);
+    EXPECT_EQ(translated.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));
 }
