@@ -209,14 +209,14 @@ TEST_F(HotRollingProvider, UserSectionsAreAddedOnceUpdatedAndRemoved) {
     changed.area = 2;
     changed.params.clear();
     EXPECT_TRUE(user.updateSection(changed));
-    found = user.findByName(name);  // the new weight: see the per-metre figures
+    found = user.findByName(name);  // the new weight shows in the per-metre figures
     EXPECT_EQ(found.second.area, 2);
     EXPECT_EQ(found.second.sectionType, 9);  // keys and parameters stay
     EXPECT_EQ(found.second.params, kUserParams);
     EXPECT_FALSE(user.updateSection(userSection(L"nobody", 1, 1)));
 
     EXPECT_FALSE(user.removeSection(9, 2));
-    EXPECT_TRUE(user.removeSection(9, 1));  // gone: see the per-metre figures
+    EXPECT_TRUE(user.removeSection(9, 1));  // the per-metre figures show it gone
 }
 
 TEST_F(HotRollingProvider, PerMetreFiguresComeFromTheUserCatalogueFirst) {
