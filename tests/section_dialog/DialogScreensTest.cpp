@@ -75,13 +75,14 @@ TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepths) {
 }
 
 TEST_F(DialogScreens, CodeTableAndFaceSteel) {
-    QPushButton* codes = nullptr;
+    QPushButton* codes = nullptr;  // the code-table button is the one 100 by 23 pixels
     for (QPushButton* button : m_dialog->findChildren<QPushButton*>())
         if (button->size() == QSize(100, 23)) codes = button;
     ASSERT_NE(codes, nullptr);
     QTest::mouseClick(codes, Qt::LeftButton);
     auto* table = m_dialog->findChild<QLabel*>(QStringLiteral("normCodePicture"));
     ASSERT_NE(table, nullptr);
+    EXPECT_GT(table->pixmap(Qt::ReturnByValue).height(), 300);
     EXPECT_TRUE(saveScreen(*table->window(), screenName(QStringLiteral("section_code_table"))));
 
     BXQFaceSteelDialog faceSteel(nullptr, nullptr);

@@ -5,7 +5,7 @@
 #include "face_steel/BXQFaceSteelDialog.h"
 #include "section_dialog/SKRSectionPolyDialog.h"
 #include "section_dialog/SKRUserHotRollingSectionDialog.h"
-#include "section_spec/SKRSectionPolyInfoParser.h"
+#include "section_spec/QtPrinters.h"
 
 #include "data/ShippedRepository.h"
 
@@ -49,9 +49,7 @@ TEST_F(DialogTeardown, EveryDialogGoesWholeHoweverItIsTornDown) {
         {"section library on a welded H",
          [](QWidget* parent) {
              auto* dialog = new SKRSectionPolyDialog(s_model, parent);
-             SKRSectionPolyInfoParser parser;
-             parser.parser(QStringLiteral("H400*200*8*13"));
-             dialog->setParameter(parser.sectionPolyInfo());
+             dialog->setParameter(parse(QStringLiteral("H400*200*8*13")));
              return dialog;
          }},
         {"section library", [](QWidget* parent) { return new SKRSectionPolyDialog(s_model, parent); }},

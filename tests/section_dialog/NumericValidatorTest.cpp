@@ -12,11 +12,7 @@ TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
     const SKRNumericValidator realOpenBottom(1.0, 2.0, 15, false, true);
     const SKRNumericValidator intOpenBottom(0, 100, false, true);
     const SKRNumericValidator intOpenTop(1, 99, true, false);
-    const struct {
-        const SKRNumericValidator& validator;
-        const char* text;
-        QValidator::State state;
-    } rows[] = {
+    const struct { const SKRNumericValidator& validator; const char* text; QValidator::State state; } rows[] = {
         {realOpenTop, "0", QValidator::Acceptable},         {realOpenTop, "9999.99", QValidator::Acceptable},
         {realOpenTop, "10000", QValidator::Invalid},        {realOpenTop, ".5", QValidator::Invalid},
         {realOpenTop, "12.", QValidator::Acceptable},       {realOpenTop, "", QValidator::Intermediate},
@@ -33,13 +29,12 @@ TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
         int pos = input.size();
         EXPECT_EQ(row.validator.validate(input, pos), row.state) << row.validator.intervalText().toStdString() << " " << row.text;
     }
-    EXPECT_FALSE(intOpenTop.isReal());
     const std::pair<const SKRNumericValidator&, const char*> intervals[] = {
         {realOpenTop, "[0,10000)"}, {realOpenBottom, "(1,2]"}, {intOpenBottom, "(0,100]"}};
     for (const auto& interval : intervals) EXPECT_EQ(interval.first.intervalText(), QString(interval.second));
 }
 
-TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {
+TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimalsInTheInstalledLanguage) {
     const SKRNumericValidator integers(1, 99, true, true);
     EXPECT_EQ(integers.invalidMessage(QString()), QStringLiteral("请输入[1,99]之间的整数。"));
     EXPECT_EQ(integers.invalidMessage(QStringLiteral("h: ")), QStringLiteral("h: 请输入[1,99]之间的整数。"));
@@ -47,11 +42,10 @@ TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimals) {
     EXPECT_EQ(reals.invalidMessage(QString()), QStringLiteral("请输入[0.5,200)之间的实数, 如果是小数请保留3位。"));
     const SKRNumericValidator wide(1.0, 1234567.0, 1, true, true);
     EXPECT_EQ(wide.intervalText(), QStringLiteral("[1,1.23457e+06]"));  // six significant digits
-}
 
-TEST(NumericValidator, TranslatedInterfaceGivesItsOwnMessage) {
+    // A translated interface gives its own message.
     bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
-    const SKRNumericValidator reals(0.0, 10000.0, 2, true, false);
-    EXPECT_EQ(reals.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));
+    const SKRNumericValidator translated(0.0, 10000.0, 2, true, false);
+    EXPECT_EQ(translated.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));
 }

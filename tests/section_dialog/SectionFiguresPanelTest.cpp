@@ -74,11 +74,7 @@ TEST(SectionFiguresPanel, CatalogueInfoRowShowsTheRowsFigures) {
 // The drawing of typed figures has the area those figures give by hand, plate by plate.
 TEST(SectionPreview, DrawsTheAreaTheTypedFiguresGive) {
     const double pi = 3.14159265358979323846;
-    const struct {
-        int type;
-        QMap<QString, double> values;
-        double area;
-    } cases[] = {
+    const struct { int type; QMap<QString, double> values; double area; } cases[] = {
         {11, {{"h", 400}, {"b", 200}, {"tw", 8}, {"t1", 13}, {"t2", 16}}, 200 * 29 + 371 * 8},
         {12, {{"h", 500}, {"b1", 250}, {"b2", 300}, {"tw", 10}, {"t1", 14}, {"t2", 18}}, 250 * 14 + 300 * 18 + 468 * 10},
         {13, {{"b1", 400}, {"b2", 300}, {"t1", 10}, {"t2", 12}}, 400 * 300 - 280 * 376},

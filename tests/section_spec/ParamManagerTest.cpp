@@ -19,7 +19,7 @@ QStringList codes(const SKRPolyParamManger& manager) {
 
 }  // namespace
 
-TEST_F(ParamManager, TypeComesWithItsParametersDefaultsTextAndInsertionPoint) {
+TEST_F(ParamManager, TypeComesWithItsParametersDefaultsTextAndInsertionPointAndTheCheckNamesWhatFails) {
     SKRPolyParamManger manager;
     EXPECT_FALSE(manager.setSectionType(999));
     ASSERT_TRUE(manager.setSectionType(11));
@@ -42,10 +42,8 @@ TEST_F(ParamManager, TypeComesWithItsParametersDefaultsTextAndInsertionPoint) {
     // The cross's insertion point uses the script's Math.max.
     ASSERT_TRUE(manager.setSectionType(15));
     EXPECT_EQ(manager.insertPoint(), QStringLiteral("200,200"));
-}
 
-TEST_F(ParamManager, CheckNamesTheRangeOrTheNormThatFails) {
-    SKRPolyParamManger manager;
+    // The check names the range or the norm that fails.
     ASSERT_TRUE(manager.setSectionType(11));
     QString message;
     int index = 7;

@@ -107,30 +107,20 @@ TEST(WeldedNormValidity, TextMustStartWithTheKeyOfSomeEntry) {
     }
 }
 
-TEST(WeldedNormTable, ExampleOfEveryEntryMatchesThatEntryAndKeepsItsRules) {
-    WeldSectionNormParser parser;
-    const QVector<SectionNormEntry>& entries = parser.entries();
-    ASSERT_EQ(entries.size(), 14);
-    for (const SectionNormEntry& entry : entries) {
-        const QString example = SectionNormParser::exampleText(entry);
-        SCOPED_TRACE(example.toStdString());
-        EXPECT_TRUE(parser.isValid(example));
-        ASSERT_TRUE(parser.match(example));
-        EXPECT_EQ(parser.matchedEntry(), &entry);
-        EXPECT_EQ(parser.matchedType(), entry.sectionType);
-        QStringList failed;
-        EXPECT_TRUE(parser.checkRules(&failed));
-        EXPECT_TRUE(failed.isEmpty()) << failed.join(QLatin1Char(' ')).toStdString();
-    }
-}
-
-// The norms match texts without running their expressions; every text, well or badly formed,
-// gets the entry and values the expressions give.
-TEST(WeldedNormTable, MatchingByHandAgreesWithTheExpressions) {
+// The example of every entry matches that entry and keeps its rules. The norms match texts without
+// running their expressions; every text, well or badly formed, gets the entry and values the
+// expressions give.
+TEST(WeldedNormTable, ExamplesMatchTheirEntriesAndMatchingByHandAgreesWithTheExpressions) {
     const SectionNormTable table(WeldSectionNormParser::weldedNorms());
+    ASSERT_EQ(table.entries().size(), 14);
     QStringList texts;
     for (const SectionNormEntry& entry : table.entries()) {
         const QString example = SectionNormParser::exampleText(entry);
+        WeldSectionNormParser own;
+        QStringList failed;
+        ASSERT_TRUE(own.match(example)) << example.toStdString();
+        EXPECT_EQ(own.matchedEntry() - own.entries().data(), &entry - table.entries().data()) << example.toStdString();
+        EXPECT_TRUE(own.checkRules(&failed)) << example.toStdString() << ": " << failed.join(' ').toStdString();
         texts << example << example + QStringLiteral(".5") << example + QStringLiteral("*") << example.chopped(1)
               << QString(example).replace(QStringLiteral("*"), QStringLiteral(".5*"))
               << QString(example).replace(QStringLiteral("*"), QStringLiteral("*.5"))

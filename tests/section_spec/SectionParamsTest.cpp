@@ -47,14 +47,9 @@ TEST(SectionParams, TheCodesAreTheShippedParameterTables) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << BXQ_SECTION_PARAMS_CSV;
     QTextStream in(&file);
     std::map<int, QStringList> shipped;  // PolyID -> codes in ParamID order
-    bool header = true;
     while (!in.atEnd()) {
         const QString line = in.readLine().trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) continue;
-        if (header) {
-            header = false;
-            continue;
-        }
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')) || line.startsWith(QStringLiteral("PolyID,"))) continue;
         const QStringList fields = line.split(QLatin1Char(','));
         shipped[fields[0].toInt()].append(fields[3]);
     }
@@ -75,11 +70,8 @@ TEST(SectionParams, TheCodesAreTheShippedParameterTables) {
 
 TEST(SectionParams, UnknownTypesMissingOrSurplusValuesAreRefused) {
     const Params untouched{{"x", 1}};
-    struct Refusal {
-        const char* why;
-        int type;
-        QVector<double> values;
-    } refusals[] = {{"invalid type", stInvalid, {1, 2}}, {"custom section", stCustomBase + 1, {1, 2}},
+    struct Refusal { const char* why; int type; QVector<double> values; } refusals[] = {
+                    {"invalid type", stInvalid, {1, 2}}, {"custom section", stCustomBase + 1, {1, 2}},
                     {"no values", stWeldedH, {}},       {"too many values", stWeldedH, {400, 200, 8, 13, 13, 13}}};
     for (const Refusal& r : refusals) {
         SCOPED_TRACE(r.why);
@@ -133,13 +125,8 @@ TEST(SectionParams, EveryTypePrintedFromItsCodesParsesBackToThem) {
 // Short forms leave out the parameter that the parser completes from another one; the printed
 // name leaves out its separator too.
 TEST(StandardName, ShortFormsPrintedFromKeysInAnyOrderAndSpacingParseBack) {
-    const struct {
-        int type;
-        int rib;
-        int typeIndex;
-        Given given;             // what the caller passes
-        QVector<double> params;  // what the parser reads back
-    } rows[] = {
+    // What the caller passes (given) and what the parser reads back (params).
+    const struct { int type, rib, typeIndex; Given given; QVector<double> params; } rows[] = {
         {11, 0, 0, {{"h", "400"}, {"b", "200"}, {"tw", "8"}, {"t1", "13"}}, {400, 200, 8, 13, 13}},
         {11, 0, 0, {{"h", "400.5"}, {"b", "200.25"}, {"tw", "8"}, {"t1", "13.5"}}, {400.5, 200.25, 8, 13.5, 13.5}},
         {12, 0, 1, {{"h", "400"}, {"b1", "200"}, {"b2", "300"}, {"tw", "8"}, {"t1", "10"}}, {400, 200, 300, 8, 10, 10}},
