@@ -83,21 +83,14 @@ protected:
     }
 
     std::int64_t addMember(const QString& section, const CVector3& from, const CVector3& to, double roll = 0) {
-        VMPMember member;
-        member.section = section;
-        member.start = from;
-        member.end = to;
-        member.roll = roll;
+        VMPMember member{0, section, from, to, roll};
         EXPECT_TRUE(VMPAddMember(db(), member, nullptr));
         return member.id;
     }
 
     // A plane through origin of the member's head (or tail) frame, with that frame's X across it.
     std::int64_t addCut(std::int64_t member, bool tail, const CVector3& origin, const CVector3& normal) {
-        CuttingPlaneRecord record;
-        record.elementId = member;
-        record.isTail = tail;
-        record.local = frame(origin, {1, 0, 0}, ndp::Cross(normal, {1, 0, 0}), normal);
+        CuttingPlaneRecord record{0, member, -1, tail, frame(origin, {1, 0, 0}, ndp::Cross(normal, {1, 0, 0}), normal)};
         EXPECT_TRUE(AddCuttingPlaneRecord(db(), record, nullptr));
         return record.id;
     }
@@ -149,8 +142,7 @@ TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
     EXPECT_EQ(entries.size(), 1u);  // untouched
 
     // Writing into a file without the tables is refused, naming the file and the table.
-    CuttingPlaneRecord plane;
-    plane.id = 1;
+    CuttingPlaneRecord plane{1};
     VMPMember member;
     const std::pair<const char*, std::function<bool(QString*)>> writes[] = {
         {"CuttingPlane", [&](QString* error) { return AddCuttingPlaneRecord(&bare, plane, error); }},
