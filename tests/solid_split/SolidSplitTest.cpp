@@ -142,7 +142,8 @@ TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
     EXPECT_EQ(entries.size(), 1u);  // untouched
 
     // Writing into a file without the tables is refused, naming the file and the table.
-    CuttingPlaneRecord plane{1};
+    CuttingPlaneRecord plane;
+    plane.id = 1;
     VMPMember member;
     const std::pair<const char*, std::function<bool(QString*)>> writes[] = {
         {"CuttingPlane", [&](QString* error) { return AddCuttingPlaneRecord(&bare, plane, error); }},
