@@ -61,12 +61,6 @@ QList<std::wstring> namesOf(CDBTable* table, const CFileAddressList& list) {
     return names;
 }
 
-int countOf(CDBTable* table, const std::wstring& name) {
-    CFileAddressList list;
-    EXPECT_TRUE(table->Query(L"SameString(StandardName,\"" + name + L"\")", list));
-    return list.GetCount();
-}
-
 QStringList filesIn(const QTemporaryDir& dir) {
     return QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
@@ -118,8 +112,7 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
     ASSERT_NE(sections, nullptr);
     CFileAddressList all;
     sections->ListAll(all);
-    EXPECT_EQ(all.GetCount(), 4);
-    EXPECT_EQ(countOf(sections, L"unsaved"), 0);
+    EXPECT_EQ(all.GetCount(), 4);  // not the unsaved fifth
     EXPECT_EQ(addSection(sections, 1, 1, L"refused", 1.0), kNullAddress);
     EXPECT_FALSE(sections->DeleteRecord(all.GetItem(0)));
     EXPECT_EQ(reopened.CreateTable(L"New", {{L"A", EnDBFieldKind::Int32}}), nullptr);

@@ -14,12 +14,6 @@
 using namespace skr::geometry;
 using ndp::CPoint2d;
 
-namespace {
-
-CPoint2d startOf(const ndp::CLoop& loop, int curve) { return loop.GetCurve(curve)->StartPoint(); }
-
-}  // namespace
-
 // Loops, curves of the first loop, area, whether the first loop closes, and the turning sense of
 // the first and the last loop: outer loops counter-clockwise, holes clockwise, whatever the text.
 TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
@@ -78,7 +72,7 @@ TEST(SectionPolygonText, CurvesHaveTheKindsAndPointsOfTheirRecords) {
     EXPECT_TRUE(arc->IsFullCircle());
 
     // The point of an unknown kind starts the next segment.
-    EXPECT_EQ(startOf(*loopOf("0,0,0,0;10,0,0,7;10,10,0,0;0,10,0,0")->GetLoop(0), 1), CPoint2d(10, 10));
+    EXPECT_EQ(loopOf("0,0,0,0;10,0,0,7;10,10,0,0;0,10,0,0")->GetLoop(0)->GetCurve(1)->StartPoint(), CPoint2d(10, 10));
 
     EXPECT_FALSE(ParseLoop(QStringLiteral(";"), true));
     // A loop of one record has a start but no segment.
