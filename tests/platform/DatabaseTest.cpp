@@ -61,12 +61,6 @@ QList<std::wstring> namesOf(CDBTable* table, const CFileAddressList& list) {
     return names;
 }
 
-int countOf(CDBTable* table, const std::wstring& name) {
-    CFileAddressList list;
-    EXPECT_TRUE(table->Query(L"SameString(StandardName,\"" + name + L"\")", list));
-    return list.GetCount();
-}
-
 QStringList filesIn(const QTemporaryDir& dir) {
     return QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
@@ -98,26 +92,30 @@ protected:
 // Field order and kinds come back from the file. Catalogue rows carry both "B" and "b", "D" and
 // "d" as parameters, which SQLite's columns do not tell apart, nor its row-address column from
 // "KDB_ADDR".
-TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningWithCaseSensitiveNames) {
-    CDBTable* table = m_db.CreateTable(L"Params", {{L"b", EnDBFieldKind::Text, true},
-                                                   {L"B", EnDBFieldKind::Int32, true},
+// Writes after the last flush are discarded on closing, and a database opened read-only refuses
+// every write.
+TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
+    CDBTable* table = m_db.CreateTable(L"Params", {{L"B", EnDBFieldKind::Int32, true},
                                                    {L"KDB_ADDR", EnDBFieldKind::Int32},
+                                                   {L"b", EnDBFieldKind::Text, true},
                                                    {L"d", EnDBFieldKind::Double}});
     ASSERT_NE(table, nullptr) << qPrintable(m_db.GetLastError());
-    CDBRecord* record = table->CreateRecord();
-    record->SetString(0, L"80");
-    record->SetInt(1, 125);
-    record->SetInt(2, 7);
-    record->SetDouble(3, 10);
-    table->AddRecord(record);
-    record->Release();
+    ASSERT_NE(addSection(table, 125, 7, L"80", 10), kNullAddress);  // the fields a section row has
 
     ASSERT_TRUE(m_db.Flush());
-    m_db.Close();
+    addSection(m_table, 9, 9, L"unsaved", 1.0);
+    m_db.Close();  // without a flush
     CDatabase reopened;
     ASSERT_TRUE(reopened.Open(m_path, true)) << qPrintable(reopened.GetLastError());
+    EXPECT_TRUE(reopened.IsReadOnly());
     CDBTable* sections = reopened.GetTable(L"CustomHotRolledSection");
     ASSERT_NE(sections, nullptr);
+    CFileAddressList all;
+    sections->ListAll(all);
+    EXPECT_EQ(all.GetCount(), 4);  // not the unsaved fifth
+    EXPECT_EQ(addSection(sections, 1, 1, L"refused", 1.0), kNullAddress);
+    EXPECT_FALSE(sections->DeleteRecord(all.GetItem(0)));
+    EXPECT_EQ(reopened.CreateTable(L"New", {{L"A", EnDBFieldKind::Int32}}), nullptr);
     const auto expected = sectionFields();
     ASSERT_EQ(sections->GetFieldCount(), static_cast<int>(expected.size()));
     for (int i = 0; i < sections->GetFieldCount(); ++i) {
@@ -126,20 +124,20 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningWithCaseSensitiveNames) {
     }
     EXPECT_EQ(reopened.GetTable(L"NoSuchTable"), nullptr);
     table = reopened.GetTable(L"Params");
-    EXPECT_EQ(table->FindField(L"B"), 1);
+    EXPECT_EQ(table->FindField(L"B"), 0);
     EXPECT_EQ(table->FindField(L"D"), -1);
     CFileAddressList found;
-    ASSERT_TRUE(table->Search(1, 125, found));
+    ASSERT_TRUE(table->Search(0, 125, found));
     ASSERT_EQ(found.GetCount(), 1);
     CDBRecord* read = table->GetRecord(found.GetItem(0));
-    EXPECT_EQ(read->GetString(0), L"80");
-    EXPECT_EQ(read->GetInt(2), 7);
+    EXPECT_EQ(read->GetString(2), L"80");
+    EXPECT_EQ(read->GetInt(1), 7);
     // Field indexes outside the table are null, not read past the row.
     EXPECT_TRUE(read->IsNull(-1));
     EXPECT_TRUE(read->IsNull(table->GetFieldCount()));
     read->Release();
     EXPECT_TRUE(table->Query(L"B==125", found));
-    EXPECT_FALSE(table->Search(1, 80, found));
+    EXPECT_FALSE(table->Search(0, 80, found));
 }
 
 TEST_F(DatabaseTest, EveryFieldKindRoundTripsExactly) {
@@ -199,7 +197,7 @@ TEST_F(DatabaseTest, PolygonFieldsTakeAndGiveOnlyPolygons) {
     read->Release();
 }
 
-TEST_F(DatabaseTest, FindSearchAndListFollowTableOrder) {
+TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLibrarysForms) {
     CFileAddressList all;
     ASSERT_TRUE(m_table->ListAll(all));
     EXPECT_EQ(namesOf(m_table, all),
@@ -213,10 +211,9 @@ TEST_F(DatabaseTest, FindSearchAndListFollowTableOrder) {
     EXPECT_FALSE(m_table->Find(0, 99, first));
     EXPECT_FALSE(m_table->Search(0, 99, found));
     EXPECT_EQ(found.GetCount(), 0);
-}
 
-// Texts are compared as values: quotes, SQL and LIKE wildcards in a name find only that name.
-TEST_F(DatabaseTest, AcceptsExactlyTheQueryFormsTheLibraryBuilds) {
+    // Queries accept exactly the forms the library builds. Texts are compared as values: quotes,
+    // SQL and LIKE wildcards in a name find only that name.
     addSection(m_table, 1, 1, L"a\"b\"c", 2.0);
     const struct {
         const wchar_t* query;
@@ -226,16 +223,13 @@ TEST_F(DatabaseTest, AcceptsExactlyTheQueryFormsTheLibraryBuilds) {
         {L"SectionType==3 && SubID==2", {L"L100*10(ZDY)", L"L100*12(ZDY)"}},
         {L"SectionType == 7 && SubID == 1", {L"HN400*200*8*13(ZDY)"}},
         {L"SectionType == 7", {L"HN400*200*8*13(ZDY)", L"热轧H型钢"}},
-        {L"SectionType==-3", {}},
         {L"SameString(StandardName,\"L100*12(ZDY)\")", {L"L100*12(ZDY)"}},
         {L"SameString(StandardName,\"热轧H型钢\")", {L"热轧H型钢"}},
-        {L"SameString(StandardName,\"\")", {}},
         {L"SameString(StandardName,\"a\"b\"c\")", {L"a\"b\"c"}},
         {L"SameString(StandardName,\"x\") OR 1=1 --\")", {}},
         {L"SameString(StandardName,\"'; DELETE FROM CustomHotRolledSection; --\")", {}},
-        {L"SameString(StandardName,\"(ZDY);\")", {}},
-        {L"SameString(StandardName,\"%\")", {}},
-        {L"SameString(StandardName,\"_\")", {}},
+        {L"SectionType==-3", {}}, {L"SameString(StandardName,\"\")", {}}, {L"SameString(StandardName,\"(ZDY);\")", {}},
+        {L"SameString(StandardName,\"%\")", {}}, {L"SameString(StandardName,\"_\")", {}},
     };
     for (const auto& row : accepted) {
         SCOPED_TRACE(QString::fromWCharArray(row.query).toStdString());
@@ -244,22 +238,11 @@ TEST_F(DatabaseTest, AcceptsExactlyTheQueryFormsTheLibraryBuilds) {
         EXPECT_EQ(namesOf(m_table, list), row.names);
     }
     const wchar_t* refused[] = {
-        L"",
-        L"SectionType=3",
-        L"SectionType==3 AND SubID==2",
-        L"SectionType==3 || 1==1",
-        L"SectionType==3 && SubID == 2",
-        L"SectionType==3 && SubID==2 && SubID==2",
-        L"SectionType == 3.5",
-        L"SectionType==99999999999999999999",
-        L"NoField==1",
-        L"StandardName==1",
-        L"WeightMeter==1",
-        L"SameString(SectionType,\"3\")",
-        L"SameString(NoField,\"x\")",
-        L"SameString(StandardName,x)",
-        L"SameString(StandardName,\"x\"",
-        L"1 == 1; DROP TABLE CustomHotRolledSection",
+        L"", L"SectionType=3", L"SectionType==3 AND SubID==2", L"SectionType==3 || 1==1",
+        L"SectionType==3 && SubID == 2", L"SectionType==3 && SubID==2 && SubID==2", L"SectionType == 3.5",
+        L"SectionType==99999999999999999999", L"NoField==1", L"StandardName==1", L"WeightMeter==1",
+        L"SameString(SectionType,\"3\")", L"SameString(NoField,\"x\")", L"SameString(StandardName,x)",
+        L"SameString(StandardName,\"x\"", L"1 == 1; DROP TABLE CustomHotRolledSection",
     };
     for (const wchar_t* query : refused) {
         SCOPED_TRACE(QString::fromWCharArray(query).toStdString());
@@ -269,7 +252,7 @@ TEST_F(DatabaseTest, AcceptsExactlyTheQueryFormsTheLibraryBuilds) {
     }
 }
 
-TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaults) {
+TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaultsAndChangesReachOnlyTheirRecord) {
     const VMPDBRecord row(m_table, m_first);
     ASSERT_TRUE(row.isValid());
     EXPECT_EQ(row.getInteger("SectionType", -1), 7);
@@ -282,36 +265,16 @@ TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaults) {
     const VMPDBRecord missing(m_table, 123456);
     EXPECT_FALSE(missing.isValid());
     EXPECT_EQ(missing.getInteger("SectionType", -5), -5);
-}
 
-TEST_F(DatabaseTest, ModifyAndDeleteChangeOnlyTheirRecord) {
+    // Modifying and deleting change only their record.
     setWeight(m_table, m_first, 99.5);
-    CDBRecord* record = m_table->GetRecord(m_first);
-    EXPECT_EQ(record->GetDouble(3), 99.5);
-    record->Release();
+    EXPECT_EQ(VMPDBRecord(m_table, m_first).getDouble("WeightMeter", 0.0), 99.5);
     EXPECT_TRUE(m_table->DeleteRecord(m_first));
     EXPECT_FALSE(m_table->DeleteRecord(m_first));
     EXPECT_EQ(m_table->GetRecord(m_first), nullptr);
     CFileAddressList rest;
     m_table->ListAll(rest);
     EXPECT_EQ(rest.GetCount(), 3);
-}
-
-TEST_F(DatabaseTest, UnflushedWritesAreDiscardedAndAReadOnlyDatabaseRefusesWrites) {
-    ASSERT_TRUE(m_db.Flush());
-    addSection(m_table, 9, 9, L"unsaved", 1.0);
-    m_db.Close();  // without a flush
-    CDatabase readOnly;
-    ASSERT_TRUE(readOnly.Open(m_path, true));
-    EXPECT_TRUE(readOnly.IsReadOnly());
-    CDBTable* table = readOnly.GetTable(L"CustomHotRolledSection");
-    CFileAddressList all;
-    table->ListAll(all);
-    EXPECT_EQ(all.GetCount(), 4);
-    EXPECT_EQ(countOf(table, L"unsaved"), 0);
-    EXPECT_EQ(addSection(table, 1, 1, L"refused", 1.0), kNullAddress);
-    EXPECT_FALSE(table->DeleteRecord(all.GetItem(0)));
-    EXPECT_EQ(readOnly.CreateTable(L"New", {{L"A", EnDBFieldKind::Int32}}), nullptr);
 }
 
 TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {

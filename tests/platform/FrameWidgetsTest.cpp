@@ -9,14 +9,9 @@
 #include <QStandardItemModel>
 #include <QTest>
 
-TEST(FrameWidgets, FrameSwitchesAndButtonsThatAreNotDefault) {
+TEST(FrameWidgets, AFrameThatMayNotResizeHasNoGripAndButtonsAreNotDefault) {
     VantorFrame frame(nullptr, QStringLiteral("frame"));
-    EXPECT_TRUE(frame.isMoveEnabled());
-    EXPECT_TRUE(frame.isResizeEnabled());
-    frame.setMoveEnabled(false);
     frame.setResizeEnabled(false);
-    EXPECT_FALSE(frame.isMoveEnabled());
-    EXPECT_FALSE(frame.isResizeEnabled());
     EXPECT_FALSE(frame.isSizeGripEnabled());
     EXPECT_FALSE(VantorPushButton(QStringLiteral("确定")).autoDefault());  // Return in a line edit must not press it
 }

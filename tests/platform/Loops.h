@@ -26,6 +26,17 @@ inline ndp::CLoop* circle(double cx, double cy, double r) {
     return loop;
 }
 
+// A slot from the origin: straight sides of length `length`, half-circle ends of radius `radius`
+// (drawn with the arc value arcValue), counter-clockwise.
+inline ndp::CLoop* slot(double length, double radius, double arcValue) {
+    auto* loop = new ndp::CLoop;
+    loop->AddCurve(new ndp::CLine2d({0, 0}, {length, 0}), false);
+    loop->AddCurve(new ndp::CArc2d({length, 0}, {length, 2 * radius}, arcValue, 1), false);
+    loop->AddCurve(new ndp::CLine2d({length, 2 * radius}, {0, 2 * radius}), false);
+    loop->AddCurve(new ndp::CArc2d({0, 2 * radius}, {0, 0}, arcValue, 1), false);
+    return loop;
+}
+
 inline ndp::CPlane plane(const ndp::CVector3& point, const ndp::CVector3& normal) {
     ndp::CPlane p;
     EXPECT_TRUE(p.Create(point, normal));

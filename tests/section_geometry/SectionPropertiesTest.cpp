@@ -3,6 +3,8 @@
 #include "ndp/NDPPolygon.h"
 #include "section_geometry/SKRSectionProperties.h"
 
+#include "platform/Loops.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,20 +17,10 @@ using skr::geometry::SKRAreaMoments;
 
 namespace {
 
-const double kPi = 3.14159265358979323846;
-
 CLoop* polyline(std::initializer_list<CPoint2d> points) {
     auto* loop = new CLoop;
     const std::vector<CPoint2d> p(points);
     for (size_t i = 0; i < p.size(); ++i) loop->AddCurve(new CLine2d(p[i], p[(i + 1) % p.size()]));
-    return loop;
-}
-
-CLoop* rectangle(double x0, double y0, double x1, double y1) { return polyline({{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}}); }
-
-CLoop* circle(double cx, double cy, double r) {
-    auto* loop = new CLoop;
-    loop->AddCurve(new CArc2d({cx, cy}, r, 0.0, 2 * kPi));
     return loop;
 }
 
@@ -84,30 +76,19 @@ TEST(SectionProperties, CircleAndRingHaveTheTextbookMoments) {
     }
 }
 
-TEST(SectionProperties, HalfDiscHasItsCentroidAtFourRByThreePi) {
-    const double r = 50;
-    const SKRSectionProperties p = SectionProperties(polygonOf({halfDisc(r)}));
-    const double yc = 4 * r / (3 * kPi);
-    const double r4 = std::pow(r, 4);
-    expectProperties(p, {kPi * r * r / 2, 0, yc, (kPi / 8 - 8 / (9 * kPi)) * r4, kPi * r4 / 8, 0});
+TEST(SectionProperties, HalfDiscHasItsCentroidAtFourRByThreePiAndASlotIsARectangleAndTwoOfThem) {
+    const double r = 50, L = 200;
+    const double half = kPi * r * r / 2, offset = 4 * r / (3 * kPi), r4 = std::pow(r, 4);
+    const double halfOwn = kPi * r4 / 8 - half * offset * offset;  // a half disc about its own centroid
+    SKRSectionProperties p = SectionProperties(polygonOf({halfDisc(r)}));
+    expectProperties(p, {half, 0, offset, halfOwn, kPi * r4 / 8, 0});
     EXPECT_NEAR(p.perimeter, 2 * r + kPi * r, 1e-12);
     EXPECT_NEAR(p.box.Max().y, r, 1e-12);
-}
 
-TEST(SectionProperties, SlotIsARectangleAndTwoHalfDiscs) {
-    // Straight sides of length L, half-circle ends of radius r, centred on the origin.
-    const double L = 200, r = 30;
-    auto* loop = new CLoop;
-    loop->AddCurve(new CLine2d({-L / 2, -r}, {L / 2, -r}));
-    loop->AddCurve(new CArc2d({L / 2, -r}, {L / 2, r}, r, 1));
-    loop->AddCurve(new CLine2d({L / 2, r}, {-L / 2, r}));
-    loop->AddCurve(new CArc2d({-L / 2, r}, {-L / 2, -r}, r, 1));
-    const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
-    const double half = kPi * r * r / 2, offset = 4 * r / (3 * kPi);
-    const double halfOwn = kPi * std::pow(r, 4) / 8 - half * offset * offset;  // about its own centroid
+    // A slot: straight sides of length L, half-circle ends of radius r, its centre at (L / 2, r).
+    p = SectionProperties(polygonOf({slot(L, r, r)}));
     const double iy = 2 * r * L * L * L / 12 + 2 * (halfOwn + half * std::pow(L / 2 + offset, 2));
-    const double ix = L * std::pow(2 * r, 3) / 12 + kPi * std::pow(r, 4) / 4;
-    expectProperties(p, {2 * r * L + kPi * r * r, 0, 0, ix, iy, 0});
+    expectProperties(p, {2 * r * L + kPi * r * r, L / 2, r, L * std::pow(2 * r, 3) / 12 + kPi * r4 / 4, iy, 0});
     EXPECT_NEAR(p.perimeter, 2 * L + 2 * kPi * r, 1e-12);
 }
 
@@ -182,19 +163,13 @@ TEST(SectionProperties, CircularSegmentsOfAnyOpeningHaveTheirClosedFormMoments) 
 
 TEST(SectionProperties, MajorArcsAndArcsOfEveryTypeAddUpToTheirCircle) {
     // A circle of radius 10 about the origin split at two points into a minor and a major arc,
-    // written with the four arc types in both directions.
+    // written with the four arc types in both directions: 1 and 3 counter-clockwise, 2 and 4 clockwise.
     const CPoint2d a{10, 0}, b{0, 10};
-    for (int variant = 0; variant < 2; ++variant) {
+    for (const bool clockwise : {false, true}) {
         auto* loop = new CLoop;
-        if (variant == 0) {
-            loop->AddCurve(new CArc2d(a, b, 10, 1));  // minor, counter-clockwise
-            loop->AddCurve(new CArc2d(b, a, 10, 3));  // major, counter-clockwise
-        } else {
-            loop->AddCurve(new CArc2d(b, a, 10, 2));  // minor, clockwise
-            loop->AddCurve(new CArc2d(a, b, 10, 4));  // major, clockwise
-        }
-        const SKRSectionProperties p = SectionProperties(polygonOf({loop}));
+        loop->AddCurve(new CArc2d(clockwise ? b : a, clockwise ? a : b, 10, clockwise ? 2 : 1));  // minor
+        loop->AddCurve(new CArc2d(clockwise ? a : b, clockwise ? b : a, 10, clockwise ? 4 : 3));  // major
         const double i = kPi * 1e4 / 4;
-        expectProperties(p, {kPi * 100, 0, 0, i, i, 0});
+        expectProperties(SectionProperties(polygonOf({loop})), {kPi * 100, 0, 0, i, i, 0});
     }
 }

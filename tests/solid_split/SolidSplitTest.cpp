@@ -83,21 +83,14 @@ protected:
     }
 
     std::int64_t addMember(const QString& section, const CVector3& from, const CVector3& to, double roll = 0) {
-        VMPMember member;
-        member.section = section;
-        member.start = from;
-        member.end = to;
-        member.roll = roll;
+        VMPMember member{0, section, from, to, roll};
         EXPECT_TRUE(VMPAddMember(db(), member, nullptr));
         return member.id;
     }
 
     // A plane through origin of the member's head (or tail) frame, with that frame's X across it.
     std::int64_t addCut(std::int64_t member, bool tail, const CVector3& origin, const CVector3& normal) {
-        CuttingPlaneRecord record;
-        record.elementId = member;
-        record.isTail = tail;
-        record.local = frame(origin, {1, 0, 0}, ndp::Cross(normal, {1, 0, 0}), normal);
+        CuttingPlaneRecord record{0, member, -1, tail, frame(origin, {1, 0, 0}, ndp::Cross(normal, {1, 0, 0}), normal)};
         EXPECT_TRUE(AddCuttingPlaneRecord(db(), record, nullptr));
         return record.id;
     }
@@ -205,12 +198,10 @@ TEST_F(CuttingPlaneReading, ShapesWithoutCuttersOrLengthGiveNoPlanes) {
     addShape(10, 0, 1, 3000, member);
     addShape(11, 10, 3, 10, member);  // acts on 10 but is no cutter
     CuttingPlaneEntries entries;
-    EXPECT_TRUE(HasCuttingPlanes(&m_model, 1, true));
-    EXPECT_FALSE(ReadCuttingPlanes(db(), 1, entries, true));
-    EXPECT_FALSE(HasCuttingPlanes(&m_model, 10, true));
-    EXPECT_FALSE(ReadCuttingPlanes(db(), 10, entries, true));
-    EXPECT_FALSE(HasCuttingPlanes(&m_model, 99, true));  // no such shape
-    EXPECT_FALSE(ReadCuttingPlanes(db(), 99, entries, true));
+    for (const auto& [shape, has] : {std::pair{1, true}, std::pair{10, false}, std::pair{99, false}}) {  // 99: none
+        EXPECT_EQ(HasCuttingPlanes(&m_model, shape, true), has) << shape;
+        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, entries, true)) << shape;
+    }
     EXPECT_TRUE(entries.empty());
 }
 
@@ -456,9 +447,7 @@ TEST_F(PlaneDisplay, NodeSpansTheCutFacePlusAMarginOrDefaultsWhereNothingIsCut) 
     const Manager::NodeShape cut = shapeOf(manager, across);
     EXPECT_NEAR(std::min(cut.width, cut.height), 500, 1e-6);
     EXPECT_NEAR(std::max(cut.width, cut.height), 700, 1e-6);
-    EXPECT_NEAR(cut.centre[0], 5000, 1e-6);
-    EXPECT_NEAR(cut.centre[1], 0, 1e-6);
-    EXPECT_NEAR(cut.centre[2], 0, 1e-6);
+    for (int k = 0; k < 3; ++k) EXPECT_NEAR(cut.centre[k], k == 0 ? 5000 : 0, 1e-6);
     const Manager::NodeShape none = shapeOf(manager, beyond);
     EXPECT_EQ(none.width, 1100.0);
     EXPECT_EQ(none.height, 1100.0);
@@ -484,7 +473,7 @@ TEST_F(PlaneDisplay, NodeSpansTheCutFacePlusAMarginOrDefaultsWhereNothingIsCut) 
     EXPECT_EQ(m_viewer.getTempNodeCount(), 2);
 }
 
-TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelected) {
+TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelectedAndUpdatesDropOnlyRefusedPlanes) {
     const std::int64_t a = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
     const std::int64_t b = addCut(m_member, true, {0, 0, -500}, {0, 0, -1});
     Manager manager(&m_model, &m_viewer);
@@ -506,13 +495,9 @@ TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelected) {
         EXPECT_EQ(manager.IsSelected(b), step.bSelected) << step.record;
         EXPECT_EQ(manager.GetNode(a)->GetStateSet()->GetMaterial(), step.aSelected ? ndp::CColor::Blue : ndp::CColor::Yellow);
     }
-}
 
-TEST_F(PlaneDisplay, ModelUpdateDropsOnlyWhatTheKeepTestAndTheFilterBothRefuse) {
-    const std::int64_t kept = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
-    const std::int64_t deleted = addCut(m_member, true, {0, 0, -500}, {0, 0, -1});
-    Manager manager(&m_model, &m_viewer);
-    manager.BuildDisplayNodes(m_member);
+    // A model update drops only what the keep test and the element filter both refuse.
+    const std::int64_t kept = a, deleted = b;
     ASSERT_TRUE(DeleteCuttingPlaneRecord(db(), deleted, nullptr));
 
     // Without bit 0x100, or while disabled, or with no filter, nothing is dropped.
@@ -544,23 +529,32 @@ TEST_F(PlaneDisplay, ModelUpdateDropsOnlyWhatTheKeepTestAndTheFilterBothRefuse) 
     EXPECT_TRUE(manager.DisplayedRecords().empty());
 }
 
-TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodes) {
+// Element changes rebuild that element's nodes; a destroyed manager leaves no node and no observer.
+TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodesAndADestroyedManagerLeavesNothing) {
     const std::int64_t record = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
-    Manager manager(&m_model, &m_viewer);
-    manager.BuildDisplayNodes(m_member);
-    IVMPElementDrawObj* element = m_model.getElementDrawObj(m_member);
-    ndp::CVisualNode* before = manager.GetNode(record);
-    m_model.notifyElementChange(VMP_CHANGE_PROPERTY, element, L"Name", false);
-    m_model.notifyElementChange(VMP_CHANGE_ADDED, element, L"WorldPoly", false);
-    m_model.notifyElementChange(VMP_CHANGE_PROPERTY, nullptr, L"WorldPoly", true);
-    EXPECT_EQ(manager.GetNode(record), before);
-    for (const wchar_t* property : {L"WorldPoly", L"OriginalBody", L"BoundingBox"}) {
-        ndp::CSceneRef<ndp::CVisualNode> old = manager.GetNode(record);
-        m_model.notifyElementChange(VMP_CHANGE_PROPERTY, element, property, false);
-        EXPECT_NE(manager.GetNode(record), old.get());
-        EXPECT_FALSE(m_viewer.hasTempNode(old.get()));
+    {
+        Manager manager(&m_model, &m_viewer);
+        manager.BuildDisplayNodes(m_member);
+        manager.BuildDisplayNodes(4242);  // no such element: nothing
         EXPECT_EQ(m_viewer.getTempNodeCount(), 1);
+        IVMPElementDrawObj* element = m_model.getElementDrawObj(m_member);
+        ndp::CVisualNode* before = manager.GetNode(record);
+        m_model.notifyElementChange(VMP_CHANGE_PROPERTY, element, L"Name", false);
+        m_model.notifyElementChange(VMP_CHANGE_ADDED, element, L"WorldPoly", false);
+        m_model.notifyElementChange(VMP_CHANGE_PROPERTY, nullptr, L"WorldPoly", true);
+        EXPECT_EQ(manager.GetNode(record), before);
+        for (const wchar_t* property : {L"WorldPoly", L"OriginalBody", L"BoundingBox"}) {
+            ndp::CSceneRef<ndp::CVisualNode> old = manager.GetNode(record);
+            m_model.notifyElementChange(VMP_CHANGE_PROPERTY, element, property, false);
+            EXPECT_NE(manager.GetNode(record), old.get());
+            EXPECT_FALSE(m_viewer.hasTempNode(old.get()));
+            EXPECT_EQ(m_viewer.getTempNodeCount(), 1);
+        }
     }
+    EXPECT_EQ(m_viewer.getTempNodeCount(), 0);
+    // A later update reaches no destroyed manager.
+    m_model.notifyUpdate(VMP_UPDATE_DATABASE);
+    m_model.notifyElementChange(VMP_CHANGE_PROPERTY, m_model.getElementDrawObj(m_member), L"WorldPoly", true);
 }
 
 TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
@@ -603,23 +597,7 @@ TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
     EXPECT_NEAR(stored.local.zAxis[2], -1, 1e-12);
 
     manager.DeleteCuttingPlanesOfElement(m_member);
-    std::vector<CuttingPlaneRecord> left;
-    ASSERT_TRUE(ReadCuttingPlaneRecords(db(), m_member, left, nullptr));
-    EXPECT_TRUE(left.empty());
-}
-
-TEST_F(PlaneDisplay, DestroyedManagerLeavesNoNodeAndNoObserver) {
-    addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
-    {
-        Manager manager(&m_model, &m_viewer);
-        manager.BuildDisplayNodes(m_member);
-        manager.BuildDisplayNodes(4242);  // no such element: nothing
-        EXPECT_EQ(m_viewer.getTempNodeCount(), 1);
-    }
-    EXPECT_EQ(m_viewer.getTempNodeCount(), 0);
-    // A later update reaches no destroyed manager.
-    m_model.notifyUpdate(VMP_UPDATE_DATABASE);
-    m_model.notifyElementChange(VMP_CHANGE_PROPERTY, m_model.getElementDrawObj(m_member), L"WorldPoly", true);
+    EXPECT_FALSE(HasCuttingPlanes(&m_model, m_member, false));
 }
 
 TEST(MemberFrame, AxisAlongZWithTheSectionUpright) {
