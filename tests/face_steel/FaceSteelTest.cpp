@@ -89,7 +89,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThickness) {
+TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThicknessAndTheDialogLocatesAGivenPlate) {
     BXQFaceSteelData::loadData(nullptr);
     BXQFaceSteelData::loadData(nullptr);  // a second load rebuilds rather than appends
     EXPECT_EQ(BXQFaceSteelData::m_oClassName.size(), 5);
@@ -108,48 +108,8 @@ TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThickness) {
     const BXQFaceSteelInfo plate = BXQFaceSteelData::defaultFaceInfo();
     EXPECT_EQ(plate.className, kHot);
     EXPECT_EQ(plate.thickness, 20.0);
-}
 
-TEST_F(FaceSteel, DialogOpensOnTheFirstClassWithNoneChosenAndOkWarns) {
-    BXQFaceSteelDialog dialog(nullptr, nullptr);
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
-    EXPECT_EQ(dialog.size(), QSize(440, 560));
-    QTableWidget* classes = table(dialog, 0);
-    QTableWidget* thicknesses = table(dialog, 1);
-    ASSERT_TRUE(classes && thicknesses);
-    EXPECT_EQ(column(classes, 0), (QStringList{kHot, kCold, "菱形花纹钢板", "扁豆形花纹钢板", "圆豆形花纹钢板"}));
-    EXPECT_EQ(classes->currentRow(), 0);
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));
-    EXPECT_EQ(column(thicknesses, 1), (QStringList{"157", "999", "35.325"}));
-    EXPECT_EQ(thicknesses->currentItem(), nullptr);
-    EXPECT_TRUE(button(dialog, QStringLiteral("取消"))->property("isOtherCommandButton").toBool());
-
-    dialog.show();
-    QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
-    ASSERT_EQ(m_boxes.size(), 1);
-    EXPECT_EQ((QStringList{m_boxes[0].kind, m_boxes[0].title, m_boxes[0].text}),
-              (QStringList{"warning", QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")}));
-    EXPECT_TRUE(dialog.isVisible());
-    EXPECT_EQ(dialog.result(), QDialog::Rejected);
-}
-
-TEST_F(FaceSteel, ClickingAClassRefillsTheThicknessesAfterTheClickAndDoubleClickTakesThePlateShown) {
-    BXQFaceSteelDialog dialog(nullptr, nullptr);
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    QTableWidget* thicknesses = table(dialog, 1);
-    click(table(dialog, 0), 1, 0);
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));  // queued: not yet
-    QCoreApplication::processEvents();
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"2", "3", "2.34568", "3"}));
-    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog")));
-    click(thicknesses, 2, 1, true);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(dialog.getResult().className, kCold);
-    EXPECT_EQ(dialog.getResult().thickness, 2.34568);  // as displayed
-}
-
-TEST_F(FaceSteel, DialogLocatesAGivenPlateAndCancelLeavesNoChoice) {
+    // The dialog locates a given plate; cancel leaves no choice.
     BXQFaceSteelDialog located(nullptr, kCold, 3.0, nullptr);
     EXPECT_EQ(table(located, 0)->currentRow(), 1);
     EXPECT_EQ(table(located, 1)->currentRow(), 1);  // the first 3.0
@@ -172,6 +132,42 @@ TEST_F(FaceSteel, DialogLocatesAGivenPlateAndCancelLeavesNoChoice) {
     // The dialog's own query and default answer from the same catalogue.
     EXPECT_EQ(BXQFaceSteelDialog::getFaceSteelQty(kCold, 3.0), 23.55);
     EXPECT_EQ(BXQFaceSteelDialog::defaultFaceInfo().className, kHot);
+}
+
+// The dialog opens on the first class with no plate chosen, and OK then warns; clicking a class
+// refills the thicknesses after the click, and a double-click takes the plate as shown.
+TEST_F(FaceSteel, DialogOpensWithNoneChosenAndAClickedClassRefillsTheThicknessesAfterTheClick) {
+    BXQFaceSteelDialog dialog(nullptr, nullptr);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
+    EXPECT_EQ(dialog.size(), QSize(440, 560));
+    QTableWidget* classes = table(dialog, 0);
+    QTableWidget* thicknesses = table(dialog, 1);
+    ASSERT_TRUE(classes && thicknesses);
+    EXPECT_EQ(column(classes, 0), (QStringList{kHot, kCold, "菱形花纹钢板", "扁豆形花纹钢板", "圆豆形花纹钢板"}));
+    EXPECT_EQ(classes->currentRow(), 0);
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));
+    EXPECT_EQ(column(thicknesses, 1), (QStringList{"157", "999", "35.325"}));
+    EXPECT_EQ(thicknesses->currentItem(), nullptr);
+    EXPECT_TRUE(button(dialog, QStringLiteral("取消"))->property("isOtherCommandButton").toBool());
+
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_EQ((QStringList{m_boxes[0].kind, m_boxes[0].title, m_boxes[0].text}),
+              (QStringList{"warning", QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")}));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+
+    click(classes, 1, 0);
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));  // queued: not yet
+    QCoreApplication::processEvents();
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"2", "3", "2.34568", "3"}));
+    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog")));
+    click(thicknesses, 2, 1, true);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.getResult().className, kCold);
+    EXPECT_EQ(dialog.getResult().thickness, 2.34568);  // as displayed
 }
 
 // Last in the file: the translation stays installed for the rest of the process. In English every
