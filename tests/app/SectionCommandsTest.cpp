@@ -43,6 +43,7 @@
 namespace {
 
 using bxqtest::BxqRun;
+using bxqtest::contents;
 using ndp::EnDBFieldKind;
 using skr::section::SKRHotRollingSection;
 
@@ -77,11 +78,6 @@ QVector<double> numbers(const QJsonValue& value) {
     QVector<double> out;
     for (const QJsonValue& v : value.toArray()) out << v.toDouble();
     return out;
-}
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QJsonDocument json(const QStringList& arguments) {
