@@ -92,6 +92,7 @@ QJsonObject member(const QStringList& arguments) { return json(QStringList{"memb
 void addBeam(const QString& project, const QString& from = "0,0,0", const QString& to = "6000,0,0") {
     const BxqRun run = bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", from, "--to", to});
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    EXPECT_TRUE(run.out.endsWith(" 1\n")) << run.out.constData();
 }
 
 // A cutting plane of a stored member, relative to its head or tail frame.
@@ -283,7 +284,7 @@ TEST(ParseCommand, JsonLinesCarryTheRecordTheNormCheckAndTheWeldBall) {
     EXPECT_TRUE(text.contains("all hold")) << qPrintable(text);
 }
 
-TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSections) {
+TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSectionsAndThePictureHasTrueArcs) {
     const double turn = M_PI / 2 - std::atan(1.0 / 6);  // the 1:6 flange slope of GB I-beams
     // I20a: h 200, b 100, d 7, t 11.4, r 9, r1 4.5 in the catalogue.
     const double i20a = 200 * 7 + 2 * 11.4 * 93 + 4 * filletArea(9, turn) - 4 * filletArea(4.5, turn);
@@ -329,9 +330,8 @@ TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSections) {
             EXPECT_EQ(records.filter(QRegularExpression(QStringLiteral(",9,2$"))).size(), 4);
         }
     }
-}
 
-TEST(OutlineCommand, ThePictureHasTrueArcsFilledWithHolesCut) {
+    // The picture has true arcs, filled with the holes cut.
     QTemporaryDir dir;
     for (const auto& [section, file] : {std::pair{"I20a", "i.svg"}, {"D89*4", "d.svg"}})
         ASSERT_EQ(bxq({"outline", "--section", section, "--svg", dir.filePath(file)}).exitCode, 0);
@@ -350,7 +350,7 @@ TEST(OutlineCommand, ThePictureHasTrueArcsFilledWithHolesCut) {
 
 // A row of a published table (GB/T 706, GB/T 11263, GB/T 6728), cm units; ix, iy to three
 // figures, the others to three or four.
-TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTables) {
+TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTablesJsonHasTheTableKeysAndCsvGoesOnPastBadTexts) {
     const struct { const char* section; double a, ix, iy, rx, ry, wx, wy; } published[] = {
         {"I10", 14.345, 245, 33.0, 4.14, 1.52, 49.0, 9.72},
         {"I14", 21.516, 712, 64.4, 5.76, 1.73, 102, 16.1},
@@ -381,20 +381,19 @@ TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTables) {
         for (const auto& f : figures) EXPECT_NEAR(rows[i].value(f.first).toDouble(), f.second, 0.01 * f.second) << f.first;
         EXPECT_NEAR(rows[i].value("massPerMetre").toDouble(), 0.785 * rows[i].value("A").toDouble(), 1e-9 * p.a) << "7.85 t/m3";
     }
-}
 
-TEST(PropertiesCommand, JsonHasExactlyTheTableKeysInMillimetresAndCsvGoesOnPastBadTexts) {
-    const std::vector<QJsonObject> rows = jsonLines(bxq({"properties", "--json", "--outline", "0,0,0,0;100,0,0,0;100,10,0,0;0,10,0,0"}));
-    ASSERT_EQ(rows.size(), 1u);
+    // JSON has exactly the table keys, in millimetres; CSV goes on past bad texts.
+    const std::vector<QJsonObject> strip = jsonLines(bxq({"properties", "--json", "--outline", "0,0,0,0;100,0,0,0;100,10,0,0;0,10,0,0"}));
+    ASSERT_EQ(strip.size(), 1u);
     QStringList expected{"section", "A", "perimeter", "outerPerimeter", "massPerMetre", "xc", "yc", "Ix", "Iy", "Ixy",
                          "I1", "I2", "alpha", "rx", "ry", "Wx", "Wy", "WxTop", "WxBottom", "WyLeft", "WyRight", "Zx",
                          "Zy", "J", "Iw", "xs", "ys", "Asx", "Asy"};
     expected.sort();
-    EXPECT_EQ(sortedKeys(rows[0]), expected);
+    EXPECT_EQ(sortedKeys(strip[0]), expected);
     // Axis 1 is the stiffer one, y: alpha 90.
     for (const auto& [key, value] :
          {std::pair<const char*, double>{"A", 1000}, {"perimeter", 220}, {"xc", 50}, {"Zx", 2500}, {"alpha", 90}})
-        EXPECT_NEAR(rows[0].value(key).toDouble(), value, 1e-9) << key;
+        EXPECT_NEAR(strip[0].value(key).toDouble(), value, 1e-9) << key;
 
     const BxqRun csv = bxq({"properties", "--csv", "-"}, "I20a\nX12*q\nHN400*200*8*13\n");
     EXPECT_EQ(csv.exitCode, 1);
@@ -469,7 +468,7 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
     EXPECT_TRUE(usage.err.startsWith("usage: bxq VERB")) << usage.err.constData();
 }
 
-TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSections) {
+TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSectionsAndEveryVerbAnswersHelp) {
     // Catalogue sections with their radii weigh what the catalogue says per metre (within 1 %).
     for (const auto& [section, kgPerMetre] : {std::pair<const char*, double>{"HN400*200*8*13", 65.4}, {"I20a", 27.9},
                                            {"[20a", 22.6}, {"L100*80*10", 13.5}}) {
@@ -492,10 +491,7 @@ TEST(BxqMember, StoredMembersAreTrimmedByTheirOwnPlanesListedMovedExportedAndRem
     QTemporaryDir dir;
     const QString project = dir.filePath("model.KDB");
     const double full = kWeldedHArea * 6000;
-    const BxqRun added = bxq({"member", "add", "--project", project, "--section", "H400*200*8*13", "--from", "0,0,0",
-                              "--to", "6000,0,0"});
-    ASSERT_EQ(added.exitCode, 0) << added.err.constData();
-    EXPECT_TRUE(added.out.endsWith(" 1\n")) << added.out.constData();
+    addBeam(project);
     ASSERT_EQ(bxq({"member", "add", "--project", project, "--section", "I20a", "--from", "0,3000,0", "--to",
                    "0,3000,4000", "--roll", "90"}).exitCode, 0);
     // A head cut 1000 in trims member 1 only.
@@ -543,9 +539,8 @@ TEST(BxqMember, StoredMembersAreTrimmedByTheirOwnPlanesListedMovedExportedAndRem
     ASSERT_EQ(bxq({"member", "remove", "--project", project, "1"}).exitCode, 0);
     EXPECT_EQ(bxq({"cut-plane", "list", "--project", project}).out, "");
     EXPECT_EQ(json(list).array().size(), 1);
-}
 
-TEST(BxqMember, EveryVerbAndSubVerbAnswersHelpWithAnExample) {
+    // Every verb and sub-verb answers --help with an example.
     const QStringList verbs[] = {{"parse"}, {"catalogue"}, {"wpm"}, {"apm"}, {"user-section", "add"}, {"face-steel"},
                                  {"outline"}, {"member", "add"}, {"member", "list"}, {"member", "remove"}, {"member"},
                                  {"cut-plane", "add"}, {"cut-plane", "list"}, {"cut-plane", "move"},
@@ -559,7 +554,7 @@ TEST(BxqMember, EveryVerbAndSubVerbAnswersHelpWithAnExample) {
     }
 }
 
-TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
+TEST(BxqView, PlanesAreSizedSelectedAndDrawnAndProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
     QTemporaryDir dir;
     const QString project = dir.filePath("view.KDB"), png = dir.filePath("iso.png");
     addBeam(project);
@@ -594,13 +589,10 @@ TEST(BxqView, PlanesAreSizedSelectedAndDrawnInTheirColours) {
     EXPECT_GT(blueRight, 200);
     EXPECT_EQ(yellowRight, 0);
     EXPECT_EQ(blueLeft, 0);
-}
 
-TEST(BxqMember, ProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
-    QTemporaryDir dir;
-    const QString whole = dir.filePath("whole.KDB"), damaged = dir.filePath("damaged.KDB");
-    addBeam(whole);
-    const QByteArray bytes = contents(whole);
+    // Projects that cannot be read are named and left as they were; the sound one is this view's.
+    const QString damaged = dir.filePath("damaged.KDB");
+    const QByteArray bytes = contents(project);
     const auto verbs = [](const QString& path, bool changes) {
         QList<QStringList> list{{"member", "list", "--project", path}, {"cut-plane", "list", "--project", path},
                                 {"view", "--project", path, "--json"}};
@@ -649,7 +641,7 @@ TEST(BxqMember, ProjectsThatCannotBeReadAreNamedAndLeftAsTheyWere) {
 }
 
 
-TEST_F(BxqDataTest, CatalogueTypeFilterListsOnlyThatTypeWithoutAbsentDimensions) {
+TEST_F(BxqDataTest, CatalogueFilterPerMetreFiguresAndPlateWeightsWithTheProjectsSectionsFirst) {
     const BxqRun beams = run({"catalogue", "--type", "1"});
     ASSERT_EQ(beams.exitCode, 0) << beams.err.constData();
     const QStringList lines = beams.lines();
@@ -664,9 +656,8 @@ TEST_F(BxqDataTest, CatalogueTypeFilterListsOnlyThatTypeWithoutAbsentDimensions)
     EXPECT_TRUE(lines[0].endsWith(" r=9 r1=4.5")) << qPrintable(lines[0]);
     EXPECT_EQ(run({"catalogue"}).lines().size(), 6);
     EXPECT_TRUE(run({"catalogue", "--type", "42"}).out.isEmpty());
-}
 
-TEST_F(BxqDataTest, PerMetreFiguresAndPlateWeightsComeOneLinePerNameInShortestForm) {
+    // Per-metre figures and plate weights come one line per name, in shortest form.
     const std::pair<QStringList, QString> cases[] = {
         {{"wpm", "I20a", "HN400*200*8*13", "\u25A1150*150*6", "I99", "i20a"}, "27.929\n65.4\n26.402\n0\n0\n"},
         {{"apm", "I20a", "\u25A1150*150*6", "nothing"}, "0.742\n0.5794\n0\n"},
@@ -686,9 +677,8 @@ TEST_F(BxqDataTest, PerMetreFiguresAndPlateWeightsComeOneLinePerNameInShortestFo
     const BxqRun piped = run({"wpm", "I20b", "-", "[20a"}, "L100*10\r\n\nI20a\n");
     EXPECT_EQ(piped.exitCode, 0);
     EXPECT_EQ(piped.text(), "31.069\n15.12\n0\n27.929\n22.637\n");
-}
 
-TEST_F(BxqDataTest, UserSectionsOfTheProjectComeFirst) {
+    // The user sections of the project come first.
     // Written through the library as the host's dialog does.
     for (const SKRHotRollingSection& section : {SKRHotRollingSection{1, 1, L"I20a", 30.5, 0.8, {}},
                                                 SKRHotRollingSection{9, 1, L"Z270*80*8*3(ZDY)", 12.25, 0.61, {}}}) {
@@ -753,7 +743,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     EXPECT_EQ(userSections(m_project).size(), 2u);
 }
 
-TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
+TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsAndMissingOrCorruptFilesAreNamed) {
     const QString fresh = m_work.filePath("fresh.KDB");
     const auto add = [&fresh](const QString& name, const QStringList& options) {
         return QStringList{"user-section", "add", name, "--project", fresh} + options;
@@ -778,11 +768,10 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsThatTouchNoFile) {
         EXPECT_EQ(result.err.count('\n'), 1) << result.err.constData();
     }
     EXPECT_FALSE(QFile::exists(fresh));
-}
 
-TEST_F(BxqDataTest, ParseTakesCatalogueDimensionsOnlyForNamesThatNeedThemAndMissingOrCorruptFilesAreNamed) {
-    const QJsonObject beam = QJsonDocument::fromJson(run({"parse", "--json", "I20a"}).out).object();
-    EXPECT_EQ(beam.value("params").toArray(), (QJsonArray{200, 100, 7, 11.4}));
+    // parse takes catalogue dimensions only for names that need them; missing or corrupt files are named.
+    const QJsonObject i20a = QJsonDocument::fromJson(run({"parse", "--json", "I20a"}).out).object();
+    EXPECT_EQ(i20a.value("params").toArray(), (QJsonArray{200, 100, 7, 11.4}));
 
     // Without any database, texts that need no catalogue parse as before, silently; a catalogue
     // name is parsed without dimensions and the missing file is said once.
