@@ -12,15 +12,13 @@
 #include "section_data/SKRProjectSchema.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
 
-#include "ndp/NDPDBRecord.h"
-#include "ndp/NDPDBTable.h"
-#include "ndp/NDPDatabase.h"
 #include "vmp/VMPProjectModel.h"
 
 #include "support/BxqProcess.h"
 #include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
 #include "support/LockHolder.h"
+#include "support/SmallDatabases.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +41,7 @@
 namespace {
 
 using bxqtest::BxqRun;
+using bxqtest::addRecord;
 using bxqtest::contents;
 using ndp::EnDBFieldKind;
 using skr::section::SKRHotRollingSection;
@@ -122,18 +121,6 @@ struct Expected { size_t line; const char* path; QJsonValue value; };
 
 QString shortest(double value) { return QString::number(value, 'g', QLocale::FloatingPointShortest); }
 
-// One record of a table, each value set as its type: int, double, or text.
-void addRecord(ndp::CDBTable* table, const QVariantList& values) {
-    ndp::CDBRecord* record = table->CreateRecord();
-    for (int i = 0; i < values.size(); ++i) {
-        if (values[i].userType() == QMetaType::Int) record->SetInt(i, values[i].toInt());
-        else if (values[i].userType() == QMetaType::Double) record->SetDouble(i, values[i].toDouble());
-        else record->SetString(i, values[i].toString().toStdWString());
-    }
-    ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
-    record->Release();
-}
-
 // A small catalogue in the shipped layout: type, sub, name, kg/m, m2/m, then h, b, d, t, r, r1, B,
 // tw, c, D as texts. The h of the row named damaged is a long text that damageLongRow makes unreadable.
 void writeCatalogue(const QString& path, const QString& damaged = {}) {
@@ -158,17 +145,6 @@ void writeCatalogue(const QString& path, const QString& damaged = {}) {
     }
     ASSERT_TRUE(db.Flush());
     if (!damaged.isEmpty()) { ASSERT_TRUE(bxqtest::damageLongRow(path)); }
-}
-
-void writePlates(const QString& path) {
-    ndp::CDatabase db;
-    ASSERT_TRUE(db.Create(path));
-    ndp::CDBTable* table = db.CreateTable(
-        L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true}, {L"Thickness", EnDBFieldKind::Double}, {L"Weight", EnDBFieldKind::Double}});
-    ASSERT_NE(table, nullptr);
-    for (const QVariantList& row : {QVariantList{1, 20.0, 157.0}, {1, 4.5, 35.325}, {2, 0.5, 3.925}})
-        addRecord(table, row);
-    ASSERT_TRUE(db.Flush());
 }
 
 // The user sections of a project file, read back by another connection.
@@ -223,7 +199,7 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(m_data.isValid() && m_work.isValid());
         writeCatalogue(m_catalogue);
-        writePlates(m_data.filePath("SysInfo.KDB"));
+        bxqtest::writePlates(m_data.filePath("SysInfo.KDB"), {{1, 20.0, 157.0}, {1, 4.5, 35.325}, {2, 0.5, 3.925}});
     }
     BxqRun run(const QStringList& arguments, const QByteArray& input = {}) const { return bxq(arguments, input, m_data.path()); }
     QString text(const QStringList& arguments) const { return run(arguments).text(); }

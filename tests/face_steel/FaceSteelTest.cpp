@@ -4,14 +4,12 @@
 // both shown and returned, and the English interface.
 #include "face_steel/BXQFaceSteelDialog.h"
 
-#include "ndp/NDPDBRecord.h"
-#include "ndp/NDPDBTable.h"
-#include "ndp/NDPDatabase.h"
 #include "plugin/BXQTranslations.h"
 #include "ui/VMPMessageBox.h"
 #include "vmp/VMPNDDBManager.h"
 
 #include "support/Screens.h"
+#include "support/SmallDatabases.h"
 #include "support/VisibleTexts.h"
 #include "support/ChineseAfterwards.h"
 
@@ -33,24 +31,9 @@ protected:
     void SetUp() override {
         VMPNDDBManager::nddbMgr()->closeAll();
         qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
-        ndp::CDatabase db;
-        ASSERT_TRUE(db.Create(m_dir.filePath("SysInfo.KDB")));
-        using ndp::EnDBFieldKind;
-        ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
-                                                                 {L"Thickness", EnDBFieldKind::Double},
-                                                                 {L"Weight", EnDBFieldKind::Double}});
-        const struct { int cls; double thickness, weight; } rows[] = {
-            {1, 20.0, 157.0}, {1, 20.0, 999.0}, {1, 4.5, 35.325}, {2, 2.0, 15.7}, {2, 3.0, 23.55},
-            {2, 2.3456789, 18.4136}, {2, 3.0, 99.0}, {3, 2.5, 21.6}, {9, 1.0, 1.0}, {-2, 6.0, 47.1}};
-        for (const auto& row : rows) {
-            ndp::CDBRecord* record = table->CreateRecord();
-            if (row.cls != -2) record->SetInt(0, row.cls);
-            record->SetDouble(1, row.thickness);
-            record->SetDouble(2, row.weight);
-            table->AddRecord(record);
-            record->Release();
-        }
-        ASSERT_TRUE(db.Flush());
+        bxqtest::writePlates(m_dir.filePath("SysInfo.KDB"),
+                             {{1, 20.0, 157.0}, {1, 20.0, 999.0}, {1, 4.5, 35.325}, {2, 2.0, 15.7}, {2, 3.0, 23.55},
+                              {2, 2.3456789, 18.4136}, {2, 3.0, 99.0}, {3, 2.5, 21.6}, {9, 1.0, 1.0}, {QVariant(), 6.0, 47.1}});
         VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
             m_boxes << box;
             return QMessageBox::Ok;
