@@ -212,7 +212,7 @@ protected:
 }  // namespace
 
 // Every object carries exactly the record's keys (and the ball's when asked); the text form says the rules.
-TEST(ParseCommand, JsonLinesCarryTheRecordTheNormCheckAndTheWeldBall) {
+TEST(SectionCommands, ParseJsonLinesCarryTheRecordAndNormCheckAndOutlinesGiveTheirFiguresAndPicture) {
     const struct { QStringList arguments; QByteArray input; size_t lines; std::vector<Expected> expected; } runs[] = {
         {{"H400*200*8*13", "H20*200*8*13"}, {}, 2,
          {{0, "text", "H400*200*8*13"}, {0, "sectionType", 11}, {0, "groupType", 2}, {0, "paramCount", 5},
@@ -254,9 +254,8 @@ TEST(ParseCommand, JsonLinesCarryTheRecordTheNormCheckAndTheWeldBall) {
     const QString text = bxq({"parse", "B300*10*12"}).text();
     EXPECT_TRUE(text.startsWith("B300*10*12\n"));
     for (const char* part : {"300, 300, 10, 12", "all hold"}) EXPECT_TRUE(text.contains(part)) << qPrintable(text);
-}
 
-TEST(OutlineCommand, FiguresOfRectanglesRingsArcsAndCatalogueSectionsAndThePictureHasTrueArcs) {
+    // outline: figures of rectangles, rings, arcs and catalogue sections, and the picture.
     const double turn = M_PI / 2 - std::atan(1.0 / 6);  // the 1:6 flange slope of GB I-beams
     // I20a: h 200, b 100, d 7, t 11.4, r 9, r1 4.5 in the catalogue.
     const double i20a = 200 * 7 + 2 * 11.4 * 93 + 4 * filletArea(9, turn) - 4 * filletArea(4.5, turn);
@@ -437,7 +436,7 @@ TEST(SectionCommands, BadInputEndsWithOneLineAndItsExitStatusAndTouchesNoFile) {
     EXPECT_TRUE(usage.err.startsWith("usage: bxq VERB")) << usage.err.constData();
 }
 
-TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSectionsAndEveryVerbAnswersHelp) {
+TEST(BxqMember, WeightFollowsTheSectionEveryVerbAnswersHelpAndStoredMembersAreTrimmedByTheirOwnPlanes) {
     // Catalogue sections with their radii weigh what the catalogue says per metre (within 1 %).
     for (const auto& [section, kgPerMetre] : {std::pair<const char*, double>{"HN400*200*8*13", 65.4}, {"I20a", 27.9},
                                            {"[20a", 22.6}, {"L100*80*10", 13.5}}) {
@@ -452,9 +451,8 @@ TEST(BxqMember, WeightOfCatalogueAndWeldedMembersFollowsTheirSectionsAndEveryVer
     const QVector<double> box = numbers(h.value("bbox"));
     ASSERT_EQ(box.size(), 6);
     for (const auto& [i, value] : {std::pair{0, -100.0}, {4, 200.0}, {5, 6000.0}}) EXPECT_NEAR(box[i], value, 1e-6) << i;
-}
 
-TEST(BxqMember, StoredMembersAreTrimmedByTheirOwnPlanesListedMovedExportedAndRemoved) {
+    // Stored members are trimmed by their own planes, listed, moved, exported and removed.
     QTemporaryDir dir;
     const QString project = dir.filePath("model.KDB");
     const double full = kWeldedHArea * 6000;
@@ -695,9 +693,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     ASSERT_EQ(run(QStringList{"user-section", "update", "Z270*80*8*3", "--weight", "13"} + project).exitCode, 0);
     EXPECT_EQ(described(userSections(m_project).at(0)), "9/1 Z270*80*8*3(ZDY) 13 0.6 h=270 b=80");
     EXPECT_EQ(text(QStringList{"wpm", "Z270*80*8*3(ZDY)"} + project), "13\n");
-    const BxqRun unknown = run(QStringList{"user-section", "update", "Z1", "--area", "1"} + project);
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_TRUE(unknown.out.isEmpty());
+    expectRefused(run(QStringList{"user-section", "update", "Z1", "--area", "1"} + project), 1, "Z1");
 
     const QStringList remove = QStringList{"user-section", "remove", "--type", "9", "--sub", "1"} + project;
     const BxqRun removed = run(remove);
@@ -710,7 +706,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
     EXPECT_EQ(userSections(m_project).size(), 2u);
 }
 
-TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsAndMissingOrCorruptFilesAreNamed) {
+TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsMissingOrCorruptFilesAreNamedAndWritersWaitTheirTurn) {
     const QString fresh = m_work.filePath("fresh.KDB");
     const auto add = [&fresh](const QString& name, const QStringList& options) {
         return QStringList{"user-section", "add", name, "--project", fresh} + options;
@@ -784,6 +780,33 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsAndMissingOrCorruptFilesAreNamed) 
     EXPECT_EQ(contents(project), before);
     EXPECT_EQ(run({"wpm", "--project", m_work.filePath("none.KDB"), "I20a"}).exitCode, 1);
     EXPECT_FALSE(QFile::exists(m_work.filePath("none.KDB")));
+
+    // Eight writers adding fifty sections each all wait their turn.
+    // Each writer a shell adding its sections one bxq at a time, counting the refusals; the
+    // project does not exist yet, so the first ones race to create it too.
+    const int writers = 8, adds = 50;
+    std::vector<std::unique_ptr<QProcess>> shells;
+    for (int writer = 1; writer <= writers; ++writer) {
+        shells.push_back(std::make_unique<QProcess>());
+        shells.back()->start("sh", {"-c", QStringLiteral("failed=0; for i in $(seq 1 %1); do \"%2\" user-section add "
+                                                         "\"Z%3*$i\" --project \"%4\" --type 9 --weight 1 --area 1 "
+                                                         ">/dev/null || failed=$((failed+1)); done; exit $failed")
+                                              .arg(adds).arg(BXQ_BINARY).arg(writer).arg(m_project)});
+    }
+    for (const auto& shell : shells) {
+        ASSERT_TRUE(shell->waitForFinished(600000));
+        EXPECT_EQ(shell->exitCode(), 0) << shell->readAllStandardError().constData();
+    }
+    const std::vector<SKRHotRollingSection> rows = userSections(m_project);
+    EXPECT_EQ(rows.size(), size_t(writers * adds));
+    QSet<int> subs;
+    QSet<QString> sectionNames;
+    for (const SKRHotRollingSection& row : rows) {
+        subs.insert(row.subId);
+        sectionNames.insert(QString::fromStdWString(row.standardName));
+    }
+    EXPECT_EQ(subs.size(), writers * adds);
+    EXPECT_EQ(sectionNames.size(), writers * adds);
 }
 
 // The shipped catalogue: the figures bxq prints are those of the file; with one byte of it
@@ -914,32 +937,4 @@ TEST_F(BxqDataTest, AChangeThatCannotBeWrittenSaysWhyAndLeavesTheProjectAsItWas)
         EXPECT_EQ(contents(m_project), before);
         EXPECT_TRUE(QDir(m_work.path()).entryList({"*-journal"}, QDir::Files | QDir::Hidden).isEmpty());
     }
-}
-
-TEST_F(BxqDataTest, EightWritersAddingFiftySectionsEachAllWaitTheirTurn) {
-    // Each writer a shell adding its sections one bxq at a time, counting the refusals; the
-    // project does not exist yet, so the first ones race to create it too.
-    const int writers = 8, adds = 50;
-    std::vector<std::unique_ptr<QProcess>> shells;
-    for (int writer = 1; writer <= writers; ++writer) {
-        shells.push_back(std::make_unique<QProcess>());
-        shells.back()->start("sh", {"-c", QStringLiteral("failed=0; for i in $(seq 1 %1); do \"%2\" user-section add "
-                                                         "\"Z%3*$i\" --project \"%4\" --type 9 --weight 1 --area 1 "
-                                                         ">/dev/null || failed=$((failed+1)); done; exit $failed")
-                                              .arg(adds).arg(BXQ_BINARY).arg(writer).arg(m_project)});
-    }
-    for (const auto& shell : shells) {
-        ASSERT_TRUE(shell->waitForFinished(600000));
-        EXPECT_EQ(shell->exitCode(), 0) << shell->readAllStandardError().constData();
-    }
-    const std::vector<SKRHotRollingSection> rows = userSections(m_project);
-    EXPECT_EQ(rows.size(), size_t(writers * adds));
-    QSet<int> subs;
-    QSet<QString> names;
-    for (const SKRHotRollingSection& row : rows) {
-        subs.insert(row.subId);
-        names.insert(QString::fromStdWString(row.standardName));
-    }
-    EXPECT_EQ(subs.size(), writers * adds);
-    EXPECT_EQ(names.size(), writers * adds);
 }

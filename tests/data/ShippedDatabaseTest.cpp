@@ -286,16 +286,15 @@ TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRu
         }
     }
     EXPECT_GE(drawn, 24);
-}
 
-TEST_F(ShippedDatabase, BallFormsEvaluateTheirExpressionsOnTheirExamples) {
+    // The ball forms evaluate their expressions on their examples.
     ndp::CDBTable* table = VMPNDDBManager::nddbMgr()->getNDDB("SKRSectionPolyDB.KDB", true)->GetTable(L"SectionBallType");
     ASSERT_NE(table, nullptr);
-    ndp::CFileAddressList all;
-    ASSERT_TRUE(table->ListAll(all));
-    ASSERT_EQ(all.GetCount(), 3);
-    for (int i = 0; i < all.GetCount(); ++i) {
-        const VMPDBRecord row(table, all.GetItem(i));
+    ndp::CFileAddressList balls;
+    ASSERT_TRUE(table->ListAll(balls));
+    ASSERT_EQ(balls.GetCount(), 3);
+    for (int i = 0; i < balls.GetCount(); ++i) {
+        const VMPDBRecord row(table, balls.GetItem(i));
         const QString expression = row.getString(QStringLiteral("Expression"), QString());
         EXPECT_FALSE(row.getString(QStringLiteral("TypeName"), QString()).isEmpty());
         const int type = row.getInteger(QStringLiteral("PolyID"), -1);
@@ -310,7 +309,7 @@ TEST_F(ShippedDatabase, BallFormsEvaluateTheirExpressionsOnTheirExamples) {
         EXPECT_NEAR(ball.values.at(L"W"), weight, 1e-9 * weight);
     }
     SKRSectionPolyInfoParser parser;
-    const VMPDBRecord welded(table, all.GetItem(1));
+    const VMPDBRecord welded(table, balls.GetItem(1));
     EXPECT_EQ(parser.parser(QStringLiteral("WS300*14"), welded.getString(QStringLiteral("Expression"), QString())).code, 1);  // D/t < 25
     EXPECT_EQ(parser.parser(QStringLiteral("WS300*6"), welded.getString(QStringLiteral("Expression"), QString())).code, 2);   // D/t > 45
 }

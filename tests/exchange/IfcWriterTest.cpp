@@ -30,7 +30,7 @@ namespace {
 
 const QRegularExpression kGlobalId(QStringLiteral("^[0-3][0-9A-Za-z_$]{21}$"));
 
-TEST(StepWriter, RealsAreShortestExactWithAPointStringsEscapedAndGlobalIdsFromTheirKeys) {
+TEST(StepWriter, RealsAreShortestExactWithAPointStringsEscapedGlobalIdsFromTheirKeysAndElementsBySlope) {
     const std::pair<double, const char*> cases[] = {
         {0.0, "0."},     {-0.0, "0."},   {1.0, "1."},         {400.0, "400."},       {0.25, "0.25"},
         {0.1, "0.1"},    {-13.5, "-13.5"}, {1e-5, "1.E-05"}, {2.5e20, "2.5E+20"}, {1.0 / 3, "0.3333333333333333"},
@@ -64,6 +64,14 @@ TEST(StepWriter, RealsAreShortestExactWithAPointStringsEscapedAndGlobalIdsFromTh
         ids.insert(id);
     }
     EXPECT_EQ(ids.size(), 5000);
+
+    // The element class of a member by the slope of its axis: columns, beams and braces.
+    const std::pair<std::array<double, 3>, EnIfcElementKind> axes[] = {
+        {{0, 0, 3000}, EnIfcElementKind::Column},   {{100, 0, 3000}, EnIfcElementKind::Column},
+        {{300, 0, 3000}, EnIfcElementKind::Member}, {{3000, 0, 3000}, EnIfcElementKind::Member},
+        {{6000, 0, 0}, EnIfcElementKind::Beam},     {{6000, 6000, 400}, EnIfcElementKind::Beam},
+        {{6000, 0, -600}, EnIfcElementKind::Member}, {{0, 0, -3000}, EnIfcElementKind::Column}};
+    for (const auto& [to, kind] : axes) EXPECT_EQ(ifcElementKindOfAxis({0, 0, 0}, to), kind) << to[0] << "," << to[2];
 }
 
 // The attribute counts of the IFC4 entities, from the schema.
@@ -196,15 +204,6 @@ TEST_F(IfcExport, EveryEntityHasItsAttributesEveryReferenceIsDefinedAndTheBytesR
     EXPECT_NE(inMetres, first);
     EXPECT_TRUE(inMetres.contains("IFCSIUNIT(*,.LENGTHUNIT.,$,.METRE.)"));
     EXPECT_TRUE(first.contains("IFCSIUNIT(*,.LENGTHUNIT.,.MILLI.,.METRE.)"));
-}
-
-TEST(IfcElementKind, ColumnsBeamsAndBracesBySlope) {
-    const std::pair<std::array<double, 3>, EnIfcElementKind> cases[] = {
-        {{0, 0, 3000}, EnIfcElementKind::Column},   {{100, 0, 3000}, EnIfcElementKind::Column},
-        {{300, 0, 3000}, EnIfcElementKind::Member}, {{3000, 0, 3000}, EnIfcElementKind::Member},
-        {{6000, 0, 0}, EnIfcElementKind::Beam},     {{6000, 6000, 400}, EnIfcElementKind::Beam},
-        {{6000, 0, -600}, EnIfcElementKind::Member}, {{0, 0, -3000}, EnIfcElementKind::Column}};
-    for (const auto& [to, kind] : cases) EXPECT_EQ(ifcElementKindOfAxis({0, 0, 0}, to), kind) << to[0] << "," << to[2];
 }
 
 class ExportCommand : public ::testing::Test {

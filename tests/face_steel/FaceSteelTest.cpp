@@ -72,7 +72,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThicknessAndTheDialogLocatesAGivenPlate) {
+TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocatesOpensAndRefills) {
     BXQFaceSteelData::loadData(nullptr);
     BXQFaceSteelData::loadData(nullptr);  // a second load rebuilds rather than appends
     EXPECT_EQ(BXQFaceSteelData::m_oClassName.size(), 5);
@@ -115,11 +115,9 @@ TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThicknessAndTheDialogL
     // The dialog's own query and default answer from the same catalogue.
     EXPECT_EQ(BXQFaceSteelDialog::getFaceSteelQty(kCold, 3.0), 23.55);
     EXPECT_EQ(BXQFaceSteelDialog::defaultFaceInfo().className, kHot);
-}
 
-// The dialog opens on the first class with no plate chosen, and OK then warns; clicking a class
-// refills the thicknesses after the click, and a double-click takes the plate as shown.
-TEST_F(FaceSteel, DialogOpensWithNoneChosenAndAClickedClassRefillsTheThicknessesAfterTheClick) {
+    // The dialog opens on the first class with no plate chosen, and OK then warns; clicking a class
+    // refills the thicknesses after the click, and a double-click takes the plate as shown.
     BXQFaceSteelDialog dialog(nullptr, nullptr);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
     EXPECT_EQ(dialog.size(), QSize(440, 560));
