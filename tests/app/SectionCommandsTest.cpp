@@ -188,12 +188,6 @@ QStringList addArguments(const QString& project, const QString& name) {
     return {"user-section", "add", name, "--project", project, "--type", "9", "--weight", "1", "--area", "1"};
 }
 
-// The verbs that change a project, each on a section the project of writeProject has.
-QList<QStringList> changeVerbs(const QString& project) {
-    return {addArguments(project, "Z9"), {"user-section", "update", "Z1", "--project", project, "--weight", "2"},
-            {"user-section", "remove", "--project", project, "--type", "9", "--sub", "1"}};
-}
-
 class BxqDataTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -321,19 +315,13 @@ TEST(SectionCommands, ParseJsonLinesCarryTheRecordAndNormCheckAndOutlinesGiveThe
 // figures, the others to three or four.
 TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTablesJsonHasTheTableKeysAndCsvGoesOnPastBadTexts) {
     const struct { const char* section; double a, ix, iy, rx, ry, wx, wy; } published[] = {
-        {"I10", 14.345, 245, 33.0, 4.14, 1.52, 49.0, 9.72},
-        {"I14", 21.516, 712, 64.4, 5.76, 1.73, 102, 16.1},
-        {"I20a", 35.578, 2370, 158, 8.15, 2.12, 237, 31.5},
-        {"I32a", 67.156, 11100, 460, 12.8, 2.62, 692, 70.8},
-        {"[10", 12.748, 198, 25.6, 3.95, 1.41, 39.7, 7.80},
-        {"[14a", 18.516, 564, 53.2, 5.52, 1.70, 80.5, 13.0},
-        {"[20a", 28.837, 1780, 128, 7.86, 2.11, 178, 24.2},
-        {"L50*5", 4.803, 11.21, 11.21, 1.53, 1.53, 3.13, 3.13},
+        {"I10", 14.345, 245, 33.0, 4.14, 1.52, 49.0, 9.72},         {"I14", 21.516, 712, 64.4, 5.76, 1.73, 102, 16.1},
+        {"I20a", 35.578, 2370, 158, 8.15, 2.12, 237, 31.5},        {"I32a", 67.156, 11100, 460, 12.8, 2.62, 692, 70.8},
+        {"[10", 12.748, 198, 25.6, 3.95, 1.41, 39.7, 7.80},         {"[14a", 18.516, 564, 53.2, 5.52, 1.70, 80.5, 13.0},
+        {"[20a", 28.837, 1780, 128, 7.86, 2.11, 178, 24.2},        {"L50*5", 4.803, 11.21, 11.21, 1.53, 1.53, 3.13, 3.13},
         {"L100*10", 19.261, 179.51, 179.51, 3.05, 3.05, 25.06, 25.06},
-        {"HW200*200*8*12", 63.53, 4720, 1600, 8.61, 5.02, 472, 160},
-        {"HN300*150*6.5*9", 46.78, 7210, 508, 12.4, 3.29, 481, 67.7},
-        {"HN400*200*8*13", 83.37, 23500, 1740, 16.8, 4.56, 1170, 174},
-        {"D114*4", 13.82, 209.35, 209.35, 3.89, 3.89, 36.73, 36.73},
+        {"HW200*200*8*12", 63.53, 4720, 1600, 8.61, 5.02, 472, 160}, {"HN300*150*6.5*9", 46.78, 7210, 508, 12.4, 3.29, 481, 67.7},
+        {"HN400*200*8*13", 83.37, 23500, 1740, 16.8, 4.56, 1170, 174}, {"D114*4", 13.82, 209.35, 209.35, 3.89, 3.89, 36.73, 36.73},
     };
     QStringList arguments{"properties", "--json", "--units", "cm"};
     for (const auto& p : published) arguments << QLatin1String(p.section);
@@ -627,10 +615,8 @@ TEST_F(BxqDataTest, CatalogueFilterPerMetreFiguresAndPlateWeightsWithTheProjects
         {{"wpm", "I20a", "HN400*200*8*13", "\u25A1150*150*6", "I99", "i20a"}, "27.929\n65.4\n26.402\n0\n0\n"},
         {{"apm", "I20a", "\u25A1150*150*6", "nothing"}, "0.742\n0.5794\n0\n"},
         // By class name or number; no such plate weighs 0, as the host's query answers.
-        {{"face-steel", "热轧钢板", "20"}, "157\n"},
-        {{"face-steel", "1", "4.5"}, "35.325\n"},
-        {{"face-steel", "冷轧钢板", "0.5"}, "3.925\n"},
-        {{"face-steel", "热轧钢板", "21"}, "0\n"},
+        {{"face-steel", "热轧钢板", "20"}, "157\n"}, {{"face-steel", "1", "4.5"}, "35.325\n"},
+        {{"face-steel", "冷轧钢板", "0.5"}, "3.925\n"}, {{"face-steel", "热轧钢板", "21"}, "0\n"},
         {{"face-steel", "不锈钢板", "20"}, "0\n"},
     };
     for (const auto& [arguments, out] : cases) {
@@ -873,13 +859,9 @@ TEST_F(BxqDataTest, ADamagedRowIsAnErrorForEveryVerbThatReadsIt) {
     writeProject(m_project, "Z2(ZDY)");
     const QByteArray catalogueBefore = contents(m_catalogue), projectBefore = contents(m_project);
     for (const auto& [verb, file] : QList<QPair<QStringList, QString>>{
-             {{"catalogue"}, m_catalogue},
-             {{"catalogue", "--type", "1", "--json"}, m_catalogue},
-             {{"wpm", "I20a"}, m_catalogue},
-             {{"apm", "I20a"}, m_catalogue},
-             {{"parse", "--json", "I20a"}, m_catalogue},
-             {{"user-section", "list", "--project", m_project}, m_project},
-             {{"wpm", "--project", m_project, "Z2(ZDY)"}, m_project}}) {
+             {{"catalogue"}, m_catalogue}, {{"catalogue", "--type", "1", "--json"}, m_catalogue}, {{"wpm", "I20a"}, m_catalogue},
+             {{"apm", "I20a"}, m_catalogue}, {{"parse", "--json", "I20a"}, m_catalogue},
+             {{"user-section", "list", "--project", m_project}, m_project}, {{"wpm", "--project", m_project, "Z2(ZDY)"}, m_project}}) {
         SCOPED_TRACE(verb.join(' ').toStdString());
         expectRefused(run(verb), 1, file, "malformed");
     }
@@ -918,7 +900,10 @@ TEST_F(BxqDataTest, AChangeThatCannotBeWrittenSaysWhyAndLeavesTheProjectAsItWas)
         QFile::setPermissions(m_work.path(), fault.folder);
         std::optional<bxqtest::LockHolder> holder;
         if (fault.lock) holder.emplace(m_project, fault.lock);
-        for (const QStringList& verb : changeVerbs(m_project)) {
+        // The verbs that change a project, each on a section the project of writeProject has.
+        for (const QStringList& verb : QList<QStringList>{addArguments(m_project, "Z9"),
+                                                          {"user-section", "update", "Z1", "--project", m_project, "--weight", "2"},
+                                                          {"user-section", "remove", "--project", m_project, "--type", "9", "--sub", "1"}}) {
             SCOPED_TRACE(verb.join(' ').toStdString());
             const BxqRun run = bxq(verb, {}, m_data.path(), fault.environment, fault.ordinaryUser);
             expectRefused(run, 1, m_project, fault.reason);
