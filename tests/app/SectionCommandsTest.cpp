@@ -206,7 +206,7 @@ protected:
 }  // namespace
 
 // Every object carries exactly the record's keys (and the ball's when asked); the text form says the rules.
-TEST(SectionCommands, ParseJsonLinesCarryTheRecordAndNormCheckAndOutlinesGiveTheirFiguresAndPicture) {
+TEST(SectionCommands, ParseOutlineAndPropertiesGiveTheRecordsFiguresPicturesAndPublishedTables) {
     const struct { QStringList arguments; QByteArray input; size_t lines; std::vector<Expected> expected; } runs[] = {
         {{"H400*200*8*13", "H20*200*8*13"}, {}, 2,
          {{0, "text", "H400*200*8*13"}, {0, "sectionType", 11}, {0, "groupType", 2}, {0, "paramCount", 5},
@@ -309,11 +309,10 @@ TEST(SectionCommands, ParseJsonLinesCarryTheRecordAndNormCheckAndOutlinesGiveThe
         EXPECT_EQ(picture.count(QLatin1String(part)), count) << part;
     EXPECT_TRUE(svg.contains(QStringLiteral("fill-rule=\"evenodd\"")));
     EXPECT_TRUE(svg.contains(QRegularExpression(QStringLiteral(">A = 3555.\\d+ mm2</text>")))) << svg.toStdString();
-}
 
-// A row of a published table (GB/T 706, GB/T 11263, GB/T 6728), cm units; ix, iy to three
-// figures, the others to three or four.
-TEST(PropertiesCommand, CatalogueRowsMatchTheirPublishedTablesJsonHasTheTableKeysAndCsvGoesOnPastBadTexts) {
+    // properties: catalogue rows match their published tables; JSON has the table keys; CSV goes on past bad texts.
+    // A row of a published table (GB/T 706, GB/T 11263, GB/T 6728), cm units; ix, iy to three
+    // figures, the others to three or four.
     const struct { const char* section; double a, ix, iy, rx, ry, wx, wy; } published[] = {
         {"I10", 14.345, 245, 33.0, 4.14, 1.52, 49.0, 9.72},         {"I14", 21.516, 712, 64.4, 5.76, 1.73, 102, 16.1},
         {"I20a", 35.578, 2370, 158, 8.15, 2.12, 237, 31.5},        {"I32a", 67.156, 11100, 460, 12.8, 2.62, 692, 70.8},

@@ -52,7 +52,7 @@ double hArea(double h, double b, double tw, double t) { return 2 * b * t + (h - 
 // a rectangle along a quarter arc, a hollow section along line, quarter arc, line, and a round bar
 // wound twice round a radius of 100, rising 50 per turn. The helix is a B-spline approximation on
 // the cylinder: volume within 1e-6 of A x L (3e-8 measured), box within 0.5 mm.
-TEST(Member, VolumeIsSectionAreaTimesPathLengthAndTheBoxIsTheSectionsAlongThePath) {
+TEST(Member, VolumeIsSectionAreaTimesPathLengthTheBoxIsTheSectionsAlongThePathAndFilletsTakeTheCorners) {
     QString text, error;
     ASSERT_TRUE(skr::geometry::sectionOutlineText(11, {{"h", 400}, {"b", 200}, {"tw", 8}, {"t1", 13}, {"t2", 13}}, text,
                                                   &error)) << error.toStdString();
@@ -123,12 +123,10 @@ TEST(Member, VolumeIsSectionAreaTimesPathLengthAndTheBoxIsTheSectionsAlongThePat
         EXPECT_EQ(SKRBodyBuilder::memberFromSpecification(QString::fromLatin1(text), length, CCoord3(), &error), nullptr);
         EXPECT_FALSE(error.isEmpty());
     }
-}
 
-TEST(FilletedBody, RoundedLongitudinalEdgesRemoveTheCornerAreaAlongTheLength) {
+    // A filleted body: rounded longitudinal edges remove the corner area along the length.
     BodyPtr box(CBody::CreateBox(CCoord3(), 100, 60, 1000));
     const double r = 8;
-    QString error;
     BodyPtr rounded(SKRBodyBuilder::filletedBody(box.get(), r, {0, 0, 1}, &error));
     ASSERT_TRUE(rounded) << error.toStdString();
     // Each of the four edges loses r^2 - pi r^2 / 4 of section.

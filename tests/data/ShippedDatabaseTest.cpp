@@ -187,7 +187,7 @@ TEST_F(ShippedDatabase, EveryCatalogueRowParsesBackWeighsWhatItsDimensionsSayAnd
 
 // The section picture of every type at its default values names each of its parameters on a tag
 // clear of the steel and of the other tags.
-TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRulesAndThePictureNamesEachParameter) {
+TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRulesAndThePicturesNameEachParameter) {
     auto* schemes = FetchInstance<SectionSchemeProvider>();
     auto* params = FetchInstance<SectionParamProvider>();
     ASSERT_NE(schemes, nullptr);
@@ -302,11 +302,9 @@ TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRu
     const VMPDBRecord welded(table, balls.GetItem(1));
     EXPECT_EQ(parser.parser(QStringLiteral("WS300*14"), welded.getString(QStringLiteral("Expression"), QString())).code, 1);  // D/t < 25
     EXPECT_EQ(parser.parser(QStringLiteral("WS300*6"), welded.getString(QStringLiteral("Expression"), QString())).code, 2);   // D/t > 45
-}
 
-// The picture of a tapered H shows its two ends at one scale, the first left: swapping the depths
-// swaps the shapes, and an H with equal depths shows two equal shapes.
-TEST(TaperedSectionPicture, ShowsBothEndsAsTyped) {
+    // The picture of a tapered H shows its two ends at one scale, the first left: swapping the depths
+    // swaps the shapes, and an H with equal depths shows two equal shapes.
     for (const auto& [h1, h2] : {std::pair{600.0, 400.0}, {400.0, 600.0}, {500.0, 500.0}}) {
         const QMap<QString, double> values{{"h1", h1}, {"h2", h2}, {"b", 200}, {"tw", 8}, {"t1", 12}, {"t2", 12}};
         QString error;

@@ -72,7 +72,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocatesOpensAndRefills) {
+TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocatesOpensRefillsAndSpeaksEnglish) {
     BXQFaceSteelData::loadData(nullptr);
     BXQFaceSteelData::loadData(nullptr);  // a second load rebuilds rather than appends
     EXPECT_EQ(BXQFaceSteelData::m_oClassName.size(), 5);
@@ -149,33 +149,31 @@ TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocates
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_EQ(dialog.getResult().className, kCold);
     EXPECT_EQ(dialog.getResult().thickness, 2.34568);  // as displayed
-}
 
-// Last in the file: the translation stays installed for the rest of the process. In English every
-// text is English and no header is cut short, while the chosen plate is still returned under the
-// class name the host asks quantities by.
-TEST_F(FaceSteel, DialogSpeaksEnglishAndReturnsTheClassNameTheHostKnows) {
+    // Last in the file: the translation stays installed for the rest of the process. In English every
+    // text is English and no header is cut short, while the chosen plate is still returned under the
+    // class name the host asks quantities by.
     bxqtest::ChineseAfterwards chinese;
     ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
-    BXQFaceSteelDialog dialog(nullptr, nullptr);
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    EXPECT_EQ(bxqtest::chineseTexts(&dialog), QStringList());
-    for (QTableWidget* t : {table(dialog, 0), table(dialog, 1)})
+    BXQFaceSteelDialog english(nullptr, nullptr);
+    english.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
+    EXPECT_EQ(bxqtest::chineseTexts(&english), QStringList());
+    for (QTableWidget* t : {table(english, 0), table(english, 1)})
         for (int c = 0; c < t->columnCount(); ++c) {
             const QString header = t->horizontalHeaderItem(c)->text();
             EXPECT_GE(t->horizontalHeader()->sectionSize(c), t->horizontalHeader()->fontMetrics().horizontalAdvance(header))
                 << header.toStdString();
         }
-    QTableWidget* names = table(dialog, 0);
+    QTableWidget* names = table(english, 0);
     for (int row = 0; row < names->rowCount(); ++row)
         EXPECT_GE(names->visualItemRect(names->item(row, 0)).width(),
                   names->fontMetrics().horizontalAdvance(names->item(row, 0)->text()) + 6)
             << names->item(row, 0)->text().toStdString();
-    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog_en")));
+    EXPECT_TRUE(saveScreen(english, QStringLiteral("face_steel_dialog_en")));
     click(names, 1, 0);
     QCoreApplication::processEvents();
-    click(table(dialog, 1), 0, 0);
-    QTest::mouseClick(button(dialog, QStringLiteral("OK")), Qt::LeftButton);
-    EXPECT_EQ(dialog.getResult().className, kCold);
+    click(table(english, 1), 0, 0);
+    QTest::mouseClick(button(english, QStringLiteral("OK")), Qt::LeftButton);
+    EXPECT_EQ(english.getResult().className, kCold);
 }
