@@ -222,15 +222,13 @@ TEST_F(ModelView, RefusedInputChangesNothingAndPlanesAddedAtPickedPointsAreMoved
     m_window->undo();
     EXPECT_EQ(planes().back().local.origin, twoPlanes.back().local.origin);
     EXPECT_NEAR(shape(tail).centre[0], 5800.0, 1e-6);
-    m_window->undo();
-    m_window->undo();
+    for (int added = 0; added < 2; ++added) m_window->undo();  // the two planes
     EXPECT_TRUE(planes().empty());
     EXPECT_TRUE(shownPlanes().empty());
     m_window->redo();
     EXPECT_EQ(shownPlanes(), std::vector<std::int64_t>{twoPlanes[0].id});
     // Undoing the member takes it out of the view as well.
-    m_window->undo();
-    m_window->undo();
+    for (int added = 0; added < 2; ++added) m_window->undo();  // the head plane, then the member
     EXPECT_TRUE(members().empty());
     EXPECT_EQ(m_window->modelScene()->memberCount(), 0);
     m_window->redo();

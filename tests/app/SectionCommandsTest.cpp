@@ -199,8 +199,7 @@ protected:
     QString text(const QStringList& arguments) const { return run(arguments).text(); }
 
     QTemporaryDir m_data, m_work;
-    const QString m_catalogue = m_data.filePath("SKRSectionPolyDB.KDB");
-    const QString m_project = m_work.filePath("project.KDB");
+    const QString m_catalogue = m_data.filePath("SKRSectionPolyDB.KDB"), m_project = m_work.filePath("project.KDB");
 };
 
 }  // namespace
@@ -661,8 +660,7 @@ TEST_F(BxqDataTest, UserSectionIsAddedListedUpdatedAndRemovedInTheProjectFile) {
         ASSERT_EQ(run(QStringList{"user-section", "add"} + more + project).exitCode, 0);
     stored = userSections(m_project);
     ASSERT_EQ(stored.size(), 3u);
-    EXPECT_EQ(stored[1].subId, 2);
-    EXPECT_EQ(stored[2].subId, 7);
+    EXPECT_EQ(std::make_pair(stored[1].subId, stored[2].subId), std::make_pair(2, 7));
 
     const QStringList listed = run(QStringList{"user-section", "list"} + project).lines();
     ASSERT_EQ(listed.size(), 3);
@@ -735,14 +733,13 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsMissingOrCorruptFilesAreNamedAndWr
 
     // The verbs that need a file refuse, naming it, whether it is missing or not a database.
     const QString project = m_work.filePath("broken.KDB");
-    const auto refused = [](const QString& dataDir, const QStringList& arguments, const QString& file) {
-        SCOPED_TRACE(arguments.join(' ').toStdString());
-        expectRefused(bxq(arguments, {}, dataDir), 1, file);
+    const auto refused = [](const QString& dataDir, const QList<QPair<QStringList, QString>>& cases) {
+        for (const auto& [arguments, file] : cases) {
+            SCOPED_TRACE(arguments.join(' ').toStdString());
+            expectRefused(bxq(arguments, {}, dataDir), 1, file);
+        }
     };
-    const auto refusedAll = [&](const QList<QPair<QStringList, QString>>& cases) {
-        for (const auto& [arguments, file] : cases) refused(empty.path(), arguments, file);
-    };
-    refusedAll({{{"wpm", "I20a"}, catalogue}, {{"catalogue"}, catalogue}, {{"face-steel", "1", "20"}, plates}});
+    refused(empty.path(), {{{"wpm", "I20a"}, catalogue}, {{"catalogue"}, catalogue}, {{"face-steel", "1", "20"}, plates}});
     EXPECT_EQ(QString::fromUtf8(bxq({"apm", "I20a"}, {}, empty.path()).err).trimmed(),
               QStringLiteral("bxq: [%1]文件不存在 (looked in BXQ_DATA_DIR=%2)").arg(catalogue, empty.path()));
 
@@ -752,16 +749,13 @@ TEST_F(BxqDataTest, BadArgumentsAreUsageErrorsMissingOrCorruptFilesAreNamedAndWr
         garbage.write(path == project ? QByteArray("not a database at all, just some text that is long enough to be a header...")
                                       : QByteArray(4096, '\x5a'));
     }
-    refusedAll({{{"wpm", "I20a"}, catalogue}, {{"apm", "-"}, catalogue}, {{"catalogue", "--json"}, catalogue},
-                {{"face-steel", "1", "20"}, plates}});
+    refused(empty.path(), {{{"wpm", "I20a"}, catalogue}, {{"apm", "-"}, catalogue}, {{"catalogue", "--json"}, catalogue},
+                           {{"face-steel", "1", "20"}, plates}});
 
     // A project that cannot be opened is named too, and left as it was.
     const QByteArray before = contents(project);
-    for (const QStringList& arguments :
-         {QStringList{"wpm", "--project", project, "I20a"}, QStringList{"user-section", "list", "--project", project},
-          QStringList{"user-section", "add", "Z1", "--project", project, "--type", "9", "--weight", "1", "--area", "1"},
-          QStringList{"parse", "--project", project, "I20a"}})
-        refused(m_data.path(), arguments, project);
+    refused(m_data.path(), {{{"wpm", "--project", project, "I20a"}, project}, {{"user-section", "list", "--project", project}, project},
+                            {addArguments(project, "Z1"), project}, {{"parse", "--project", project, "I20a"}, project}});
     EXPECT_EQ(contents(project), before);
     EXPECT_EQ(run({"wpm", "--project", m_work.filePath("none.KDB"), "I20a"}).exitCode, 1);
     EXPECT_FALSE(QFile::exists(m_work.filePath("none.KDB")));

@@ -190,8 +190,7 @@ TEST_F(ShippedDatabase, EveryCatalogueRowParsesBackWeighsWhatItsDimensionsSayAnd
 TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRulesAndThePicturesNameEachParameter) {
     auto* schemes = FetchInstance<SectionSchemeProvider>();
     auto* params = FetchInstance<SectionParamProvider>();
-    ASSERT_NE(schemes, nullptr);
-    ASSERT_NE(params, nullptr);
+    ASSERT_TRUE(schemes && params);
     const auto all = schemes->allSchemes();
     ASSERT_EQ(all.size(), 24u);
     const auto norms = WeldSectionNormParser::weldedNorms();

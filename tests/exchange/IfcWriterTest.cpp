@@ -125,8 +125,7 @@ protected:
         const char* sections[] = {"I20a", "[20a", "L100*80*10", "D89*4", "D20", "HN400*200*8*13", "C200*70*20*3",
                                   "TN200*200*8*13", "\u25a1150*150*6", "Z250*75*25*3", "B400*300*10*12",
                                   "TY600*400*400*300*10"};
-        double y = 0;
-        for (const char* section : sections) addMember(QString::fromUtf8(section), {0, y, 0}, {6000, y, 0});
+        for (const char* section : sections) addMember(QString::fromUtf8(section), {0, 0, 0}, {6000, 0, 0});
         addMember(QStringLiteral("H400*200*8*13"), {0, 0, 0}, {0, 0, 4000});
         addMember(QStringLiteral("H400*200*8*13"), {0, 0, 0}, {3000, 0, 3000});
         skr::split::CuttingPlaneRecord cut;

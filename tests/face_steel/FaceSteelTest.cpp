@@ -121,8 +121,7 @@ TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocates
     BXQFaceSteelDialog dialog(nullptr, nullptr);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
     EXPECT_EQ(dialog.size(), QSize(440, 560));
-    QTableWidget* classes = table(dialog, 0);
-    QTableWidget* thicknesses = table(dialog, 1);
+    QTableWidget *classes = table(dialog, 0), *thicknesses = table(dialog, 1);
     ASSERT_TRUE(classes && thicknesses);
     EXPECT_EQ(column(classes, 0), (QStringList{kHot, kCold, "菱形花纹钢板", "扁豆形花纹钢板", "圆豆形花纹钢板"}));
     EXPECT_EQ(classes->currentRow(), 0);
