@@ -1,6 +1,6 @@
-// Member solids from outlines: each builder against its closed-form volume and its box, sections
-// with holes and arcs, members of section texts, cuts through built members, and the input each
-// builder refuses.
+// Member solids from outlines: each builder (extruded, elliptic, of section texts, swept, spiral)
+// against its closed-form volume and its box, sections with holes and arcs, the texts that make no
+// member, and a cut through a filleted member.
 #include "body_builder/SKRBodyBuilder.h"
 #include "body_builder/SKRSweepPath.h"
 #include "ndp/NDPBody.h"
@@ -48,7 +48,11 @@ double hArea(double h, double b, double tw, double t) { return 2 * b * t + (h - 
 
 }  // namespace
 
-TEST(StraightMember, VolumeIsSectionAreaTimesLengthAndTheBoxIsTheSectionsAlongTheAxis) {
+// Straight members, and sweeps by Pappus (a section centred on the path sweeps area x path length):
+// a rectangle along a quarter arc, a hollow section along line, quarter arc, line, and a round bar
+// wound twice round a radius of 100, rising 50 per turn. The helix is a B-spline approximation on
+// the cylinder: volume within 1e-6 of A x L (3e-8 measured), box within 0.5 mm.
+TEST(Member, VolumeIsSectionAreaTimesPathLengthTheBoxIsTheSectionsAlongThePathAndFilletsTakeTheCorners) {
     QString text, error;
     ASSERT_TRUE(skr::geometry::sectionOutlineText(11, {{"h", 400}, {"b", 200}, {"tw", 8}, {"t1", 13}, {"t2", 13}}, text,
                                                   &error)) << error.toStdString();
@@ -65,43 +69,12 @@ TEST(StraightMember, VolumeIsSectionAreaTimesLengthAndTheBoxIsTheSectionsAlongTh
     const auto specified = [](const char* text) -> Make {
         return [text](QString* e) { return SKRBodyBuilder::memberFromSpecification(text, 6000, CCoord3(), e); };
     };
-    const double ringArea = kPi * (44.5 * 44.5 - 40.5 * 40.5);
-    const struct { const char* name; Make make; double volume; CVector3 min, max; double tolerance; } members[] = {
-        {"welded H from its outline", extruded(*weldedH, 6000), hArea(400, 200, 8, 13) * 6000, {0, 0, 0}, {200, 400, 6000}, 1e-9},
-        {"a ring of true arcs", extruded(ring(44.5, 40.5), 3000), ringArea * 3000, {-44.5, -44.5, 0}, {44.5, 44.5, 3000}, 1e-7},
-        {"elliptic cylinder wide", elliptic(150, 80), kPi * 150 * 80 * 500, {-150, -80, 0}, {150, 80, 500}, 1e-6},
-        {"elliptic cylinder tall", elliptic(80, 150), kPi * 150 * 80 * 500, {-80, -150, 0}, {80, 150, 500}, 1e-6},
-        {"H400*200*8*13", specified("H400*200*8*13"), hArea(400, 200, 8, 13) * 6000, {-100, -200, 0}, {100, 200, 6000}, 1e-7},
-        {"B300*10*12", specified("B300*10*12"), (300.0 * 300 - 280 * 276) * 6000, {-150, -150, 0}, {150, 150, 6000}, 1e-7},
-        {"D89*4", specified("D89*4"), ringArea * 6000, {-44.5, -44.5, 0}, {44.5, 44.5, 6000}, 1e-7},
+    const auto swept = [](const CPolygon& section, const SKRSweepPath& path, const CVector3& sectionX) -> Make {
+        return [=](QString* e) { return SKRBodyBuilder::sweptMember(section, path, sectionX, e); };
     };
-    for (const auto& m : members) {
-        SCOPED_TRACE(m.name);
-        BodyPtr body(m.make(&error));
-        ASSERT_TRUE(body) << error.toStdString();
-        EXPECT_NEAR(body->Volume(), m.volume, 1e-9 * m.volume);
-        EXPECT_EQ(body->SolidCount(), 1);
-        EXPECT_TRUE(body->IsValid());
-        expectBox(*body, m.min, m.max, m.tolerance);
-    }
-}
-
-TEST(StraightMember, TextsThatMakeNoMemberAreRefusedWithAReason) {
-    // No such type, more values than a welded H has, a web wider than the flange, no length.
-    const std::pair<const char*, double> refusals[] = {
-        {"XYZ123", 1000}, {"H400*200*8*13*13*13", 1000}, {"H400*8*200*13", 1000}, {"H400*200*8*13", 0}};
-    for (const auto& [text, length] : refusals) {
-        SCOPED_TRACE(text);
-        QString error;
-        EXPECT_EQ(SKRBodyBuilder::memberFromSpecification(QString::fromLatin1(text), length, CCoord3(), &error), nullptr);
-        EXPECT_FALSE(error.isEmpty());
-    }
-}
-
-// Sweeps (Pappus: a section centred on the path sweeps area x path length)
-
-// A rectangle along a quarter arc, and a hollow section along line, quarter arc, line.
-TEST(SweptMember, VolumeIsAreaTimesPathLength) {
+    const auto spiral = [](bool leftHanded) -> Make {
+        return [leftHanded](QString* e) { return SKRBodyBuilder::spiralMember(ring(10), {{}, 100, 50, 2, leftHanded}, e); };
+    };
     const double radius = 500, chord = radius * std::sin(kPi / 4), rise = radius - radius * std::cos(kPi / 4);
     SKRSweepPath quarter, lineArcLine;
     quarter.arcTo({chord, rise, 0}, {radius, radius, 0});
@@ -110,46 +83,50 @@ TEST(SweptMember, VolumeIsAreaTimesPathLength) {
     lineArcLine.lineTo({1000 + radius, 1500, 0});
     CPolygon rectangle20x10;  // centred on the path
     rectangle20x10.AddLoop(rectangle(-10, -5, 10, 5), true);
-    QString error;
-    BodyPtr arc(SKRBodyBuilder::sweptMember(rectangle20x10, quarter, {0, 0, 1}, &error));
-    ASSERT_TRUE(arc) << error.toStdString();
-    BodyPtr hollow(SKRBodyBuilder::sweptMember(ring(30, 25), lineArcLine, {0, 1, 0}, &error));
-    ASSERT_TRUE(hollow) << error.toStdString();
-    const double length = 1000 + kPi * radius / 2 + (1500 - radius), area = kPi * (30 * 30 - 25 * 25);
-    EXPECT_NEAR(arc->Volume(), 20 * 10 * kPi * radius / 2, 1e-6 * arc->Volume());
-    EXPECT_NEAR(hollow->Volume(), area * length, 1e-6 * area * length);
-    EXPECT_TRUE(arc->IsValid() && hollow->IsValid());
-    EXPECT_EQ(hollow->SolidCount(), 1);
-    // The section's X (20 wide) stands along global Z.
-    expectBox(*arc, {0, -5, -10}, {radius + 5, radius, 10}, 1e-3);
-}
-
-TEST(SpiralMember, VolumeIsAreaTimesHelixLength) {
-    // A round bar of radius 10 wound twice round a radius of 100, rising 50 per turn. The helix is
-    // a B-spline approximation on the cylinder: volume within 1e-6 of A x L (3e-8 measured), box
-    // within 0.5 mm.
-    SKRHelix h{{}, 100, 50, 2};
-    const double length = h.turns * std::hypot(2 * kPi * h.radius, h.pitch);
-    const double area = kPi * 10 * 10;
-    // The section tilts with the helix: it reaches r cos(angle) below the start.
-    const double cosRise = 2 * kPi * h.radius / std::hypot(2 * kPi * h.radius, h.pitch);
-    for (bool leftHanded : {false, true}) {
-        SCOPED_TRACE(leftHanded ? "left-handed" : "right-handed");
-        h.leftHanded = leftHanded;
-        QString error;
-        BodyPtr body(SKRBodyBuilder::spiralMember(ring(10), h, &error));
+    const double pathLength = 1000 + kPi * radius / 2 + (1500 - radius);
+    const double helix = 2 * std::hypot(2 * kPi * 100, 50), bar = kPi * 10 * 10;
+    // The bar's section tilts with the helix: it reaches r cos(angle) below the start.
+    const double tilt = 10 * 2 * kPi * 100 / std::hypot(2 * kPi * 100, 50);
+    const double ringArea = kPi * (44.5 * 44.5 - 40.5 * 40.5);
+    const struct { const char* name; Make make; double volume; CVector3 min, max; double tolerance, volumeTolerance = 1e-9;
+    } members[] = {
+        {"welded H from its outline", extruded(*weldedH, 6000), hArea(400, 200, 8, 13) * 6000, {0, 0, 0}, {200, 400, 6000}, 1e-9},
+        {"a ring of true arcs", extruded(ring(44.5, 40.5), 3000), ringArea * 3000, {-44.5, -44.5, 0}, {44.5, 44.5, 3000}, 1e-7},
+        {"elliptic cylinder wide", elliptic(150, 80), kPi * 150 * 80 * 500, {-150, -80, 0}, {150, 80, 500}, 1e-6},
+        {"elliptic cylinder tall", elliptic(80, 150), kPi * 150 * 80 * 500, {-80, -150, 0}, {80, 150, 500}, 1e-6},
+        {"H400*200*8*13", specified("H400*200*8*13"), hArea(400, 200, 8, 13) * 6000, {-100, -200, 0}, {100, 200, 6000}, 1e-7},
+        {"B300*10*12", specified("B300*10*12"), (300.0 * 300 - 280 * 276) * 6000, {-150, -150, 0}, {150, 150, 6000}, 1e-7},
+        {"D89*4", specified("D89*4"), ringArea * 6000, {-44.5, -44.5, 0}, {44.5, 44.5, 6000}, 1e-7},
+        // The section's X (20 wide) stands along global Z.
+        {"rectangle along a quarter arc", swept(rectangle20x10, quarter, {0, 0, 1}), 20 * 10 * kPi * radius / 2, {0, -5, -10},
+         {radius + 5, radius, 10}, 1e-3, 1e-6},
+        {"ring along line, arc, line", swept(ring(30, 25), lineArcLine, {0, 1, 0}), kPi * (30 * 30 - 25 * 25) * pathLength,
+         {0, -30, -30}, {1530, 1500, 30}, 1e-3, 1e-6},
+        {"right-handed helix", spiral(false), bar * helix, {-110, -110, -tilt}, {110, 110, 100 + tilt}, 0.5, 1e-6},
+        {"left-handed helix", spiral(true), bar * helix, {-110, -110, -tilt}, {110, 110, 100 + tilt}, 0.5, 1e-6},
+    };
+    for (const auto& m : members) {
+        SCOPED_TRACE(m.name);
+        BodyPtr body(m.make(&error));
         ASSERT_TRUE(body) << error.toStdString();
-        EXPECT_NEAR(body->Volume(), area * length, 1e-6 * area * length);
-        EXPECT_TRUE(body->IsValid());
+        EXPECT_NEAR(body->Volume(), m.volume, m.volumeTolerance * m.volume);
         EXPECT_EQ(body->SolidCount(), 1);
-        expectBox(*body, {-110, -110, -10 * cosRise}, {110, 110, 100 + 10 * cosRise}, 0.5);
+        EXPECT_TRUE(body->IsValid());
+        expectBox(*body, m.min, m.max, m.tolerance);
     }
-}
+    // Texts that make no member are refused with a reason: no such type, more values than a welded
+    // H has, a web wider than the flange, no length.
+    for (const auto& [text, length] : {std::pair<const char*, double>{"XYZ123", 1000}, {"H400*200*8*13*13*13", 1000},
+                                       {"H400*8*200*13", 1000}, {"H400*200*8*13", 0}}) {
+        SCOPED_TRACE(text);
+        error.clear();
+        EXPECT_EQ(SKRBodyBuilder::memberFromSpecification(QString::fromLatin1(text), length, CCoord3(), &error), nullptr);
+        EXPECT_FALSE(error.isEmpty());
+    }
 
-TEST(FilletedBody, RoundedLongitudinalEdgesRemoveTheCornerAreaAlongTheLength) {
+    // A filleted body: rounded longitudinal edges remove the corner area along the length.
     BodyPtr box(CBody::CreateBox(CCoord3(), 100, 60, 1000));
     const double r = 8;
-    QString error;
     BodyPtr rounded(SKRBodyBuilder::filletedBody(box.get(), r, {0, 0, 1}, &error));
     ASSERT_TRUE(rounded) << error.toStdString();
     // Each of the four edges loses r^2 - pi r^2 / 4 of section.

@@ -24,17 +24,13 @@
 #include <map>
 
 using namespace skr::exchange;
+using bxqtest::contents;
 
 namespace {
 
 const QRegularExpression kGlobalId(QStringLiteral("^[0-3][0-9A-Za-z_$]{21}$"));
 
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-TEST(StepWriter, RealsAreShortestExactAndHaveAPoint) {
+TEST(StepWriter, RealsAreShortestExactWithAPointStringsEscapedGlobalIdsFromTheirKeysAndElementsBySlope) {
     const std::pair<double, const char*> cases[] = {
         {0.0, "0."},     {-0.0, "0."},   {1.0, "1."},         {400.0, "400."},       {0.25, "0.25"},
         {0.1, "0.1"},    {-13.5, "-13.5"}, {1e-5, "1.E-05"}, {2.5e20, "2.5E+20"}, {1.0 / 3, "0.3333333333333333"},
@@ -49,17 +45,16 @@ TEST(StepWriter, RealsAreShortestExactAndHaveAPoint) {
         EXPECT_TRUE(text.contains('.')) << text.constData();
     }
     EXPECT_THROW(stepReal(std::nan("")), std::invalid_argument);
-}
 
-TEST(StepWriter, StringsAreEscapedAndGlobalIdsComeFromTheirKeys) {
-    const std::pair<QString, const char*> cases[] = {
+    // Strings are escaped; GlobalIds come from their keys.
+    const std::pair<QString, const char*> strings[] = {
         {QStringLiteral("H400*200*8*13"), "'H400*200*8*13'"}, {QStringLiteral("it's"), "'it''s'"},
         {QStringLiteral("a\\b"), "'a\\\\b'"}, {QStringLiteral("\u25a1150*150*6"), "'\\X2\\25A1\\X0\\150*150*6'"},
         {QStringLiteral("热轧H型钢"), "'\\X2\\70ED8F67\\X0\\H\\X2\\578B94A2\\X0\\'"},
         {QString::fromUcs4(U"a\U0001F600b"), "'a\\X4\\0001F600\\X0\\b'"},
         {QStringLiteral("line\nbreak"), "'line\\X2\\000A\\X0\\break'"},
     };
-    for (const auto& [value, text] : cases) EXPECT_EQ(stepString(value).text, QByteArray(text)) << value.toStdString();
+    for (const auto& [value, text] : strings) EXPECT_EQ(stepString(value).text, QByteArray(text)) << value.toStdString();
     QSet<QString> ids;
     for (int i = 0; i < 5000; ++i) {
         const QByteArray key = "p/member/" + QByteArray::number(i);
@@ -69,6 +64,14 @@ TEST(StepWriter, StringsAreEscapedAndGlobalIdsComeFromTheirKeys) {
         ids.insert(id);
     }
     EXPECT_EQ(ids.size(), 5000);
+
+    // The element class of a member by the slope of its axis: columns, beams and braces.
+    const std::pair<std::array<double, 3>, EnIfcElementKind> axes[] = {
+        {{0, 0, 3000}, EnIfcElementKind::Column},   {{100, 0, 3000}, EnIfcElementKind::Column},
+        {{300, 0, 3000}, EnIfcElementKind::Member}, {{3000, 0, 3000}, EnIfcElementKind::Member},
+        {{6000, 0, 0}, EnIfcElementKind::Beam},     {{6000, 6000, 400}, EnIfcElementKind::Beam},
+        {{6000, 0, -600}, EnIfcElementKind::Member}, {{0, 0, -3000}, EnIfcElementKind::Column}};
+    for (const auto& [to, kind] : axes) EXPECT_EQ(ifcElementKindOfAxis({0, 0, 0}, to), kind) << to[0] << "," << to[2];
 }
 
 // The attribute counts of the IFC4 entities, from the schema.
@@ -122,8 +125,7 @@ protected:
         const char* sections[] = {"I20a", "[20a", "L100*80*10", "D89*4", "D20", "HN400*200*8*13", "C200*70*20*3",
                                   "TN200*200*8*13", "\u25a1150*150*6", "Z250*75*25*3", "B400*300*10*12",
                                   "TY600*400*400*300*10"};
-        double y = 0;
-        for (const char* section : sections) addMember(QString::fromUtf8(section), {0, y, 0}, {6000, y, 0});
+        for (const char* section : sections) addMember(QString::fromUtf8(section), {0, 0, 0}, {6000, 0, 0});
         addMember(QStringLiteral("H400*200*8*13"), {0, 0, 0}, {0, 0, 4000});
         addMember(QStringLiteral("H400*200*8*13"), {0, 0, 0}, {3000, 0, 3000});
         skr::split::CuttingPlaneRecord cut;
@@ -203,15 +205,6 @@ TEST_F(IfcExport, EveryEntityHasItsAttributesEveryReferenceIsDefinedAndTheBytesR
     EXPECT_TRUE(first.contains("IFCSIUNIT(*,.LENGTHUNIT.,.MILLI.,.METRE.)"));
 }
 
-TEST(IfcElementKind, ColumnsBeamsAndBracesBySlope) {
-    const std::pair<std::array<double, 3>, EnIfcElementKind> cases[] = {
-        {{0, 0, 3000}, EnIfcElementKind::Column},   {{100, 0, 3000}, EnIfcElementKind::Column},
-        {{300, 0, 3000}, EnIfcElementKind::Member}, {{3000, 0, 3000}, EnIfcElementKind::Member},
-        {{6000, 0, 0}, EnIfcElementKind::Beam},     {{6000, 6000, 400}, EnIfcElementKind::Beam},
-        {{6000, 0, -600}, EnIfcElementKind::Member}, {{0, 0, -3000}, EnIfcElementKind::Column}};
-    for (const auto& [to, kind] : cases) EXPECT_EQ(ifcElementKindOfAxis({0, 0, 0}, to), kind) << to[0] << "," << to[2];
-}
-
 class ExportCommand : public ::testing::Test {
 protected:
     static bxqtest::BxqRun bxq(const QStringList& arguments) { return bxqtest::runBxq(arguments, {BXQ_SHIPPED_DATA_DIR, {}, {}, false}); }
@@ -226,7 +219,7 @@ protected:
     const QString m_project = m_dir.filePath("frame.KDB"), m_ifc = m_dir.filePath("frame.ifc");
 };
 
-TEST_F(ExportCommand, GradeClassAndQuantitiesAreWrittenAsAsked) {
+TEST_F(ExportCommand, GradeClassAndQuantitiesAreWrittenAsAskedAndRefusalsLeaveTheFile) {
     const bxqtest::BxqRun run = bxq({"export", "--project", m_project, "--ifc", m_ifc, "--grade", "Q355B", "--as", "2=member", "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     const QJsonArray members = QJsonDocument::fromJson(run.out).object().value("members").toArray();
@@ -258,10 +251,8 @@ TEST_F(ExportCommand, GradeClassAndQuantitiesAreWrittenAsAsked) {
     const QByteArray metres = contents(m_ifc);
     EXPECT_TRUE(metres.contains("IFCQUANTITYLENGTH('Length',$,$,6.,$)")) << metres.constData();
     EXPECT_TRUE(metres.contains("IFCEXTRUDEDAREASOLID(") && metres.contains(",3.);"));
-}
 
-TEST_F(ExportCommand, RefusalsNameWhatWasWrongAndLeaveTheFile) {
-    ASSERT_EQ(bxq({"export", "--project", m_project, "--ifc", m_ifc}).exitCode, 0);
+    // Refusals name what was wrong and leave the file.
     const QByteArray before = contents(m_ifc);
     const QStringList both{"--project", m_project, "--ifc", m_ifc};
     const std::tuple<QStringList, int, const char*> cases[] = {

@@ -4,14 +4,12 @@
 // both shown and returned, and the English interface.
 #include "face_steel/BXQFaceSteelDialog.h"
 
-#include "ndp/NDPDBRecord.h"
-#include "ndp/NDPDBTable.h"
-#include "ndp/NDPDatabase.h"
 #include "plugin/BXQTranslations.h"
 #include "ui/VMPMessageBox.h"
 #include "vmp/VMPNDDBManager.h"
 
 #include "support/Screens.h"
+#include "support/SmallDatabases.h"
 #include "support/VisibleTexts.h"
 #include "support/ChineseAfterwards.h"
 
@@ -33,24 +31,9 @@ protected:
     void SetUp() override {
         VMPNDDBManager::nddbMgr()->closeAll();
         qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
-        ndp::CDatabase db;
-        ASSERT_TRUE(db.Create(m_dir.filePath("SysInfo.KDB")));
-        using ndp::EnDBFieldKind;
-        ndp::CDBTable* table = db.CreateTable(L"FaceSteelInfo", {{L"Class", EnDBFieldKind::Int32, true},
-                                                                 {L"Thickness", EnDBFieldKind::Double},
-                                                                 {L"Weight", EnDBFieldKind::Double}});
-        const struct { int cls; double thickness, weight; } rows[] = {
-            {1, 20.0, 157.0}, {1, 20.0, 999.0}, {1, 4.5, 35.325}, {2, 2.0, 15.7}, {2, 3.0, 23.55},
-            {2, 2.3456789, 18.4136}, {2, 3.0, 99.0}, {3, 2.5, 21.6}, {9, 1.0, 1.0}, {-2, 6.0, 47.1}};
-        for (const auto& row : rows) {
-            ndp::CDBRecord* record = table->CreateRecord();
-            if (row.cls != -2) record->SetInt(0, row.cls);
-            record->SetDouble(1, row.thickness);
-            record->SetDouble(2, row.weight);
-            table->AddRecord(record);
-            record->Release();
-        }
-        ASSERT_TRUE(db.Flush());
+        bxqtest::writePlates(m_dir.filePath("SysInfo.KDB"),
+                             {{1, 20.0, 157.0}, {1, 20.0, 999.0}, {1, 4.5, 35.325}, {2, 2.0, 15.7}, {2, 3.0, 23.55},
+                              {2, 2.3456789, 18.4136}, {2, 3.0, 99.0}, {3, 2.5, 21.6}, {9, 1.0, 1.0}, {QVariant(), 6.0, 47.1}});
         VMPMessageBox::setAnswerer([this](const VMPMessageBox::Shown& box) {
             m_boxes << box;
             return QMessageBox::Ok;
@@ -89,7 +72,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThickness) {
+TEST_F(FaceSteel, QuantityIsTheFirstRowOfItsClassAndThicknessAndTheDialogLocatesOpensRefillsAndSpeaksEnglish) {
     BXQFaceSteelData::loadData(nullptr);
     BXQFaceSteelData::loadData(nullptr);  // a second load rebuilds rather than appends
     EXPECT_EQ(BXQFaceSteelData::m_oClassName.size(), 5);
@@ -108,48 +91,8 @@ TEST_F(FaceSteel, QuantityIsTheFirstRowOfThatClassAndExactThickness) {
     const BXQFaceSteelInfo plate = BXQFaceSteelData::defaultFaceInfo();
     EXPECT_EQ(plate.className, kHot);
     EXPECT_EQ(plate.thickness, 20.0);
-}
 
-TEST_F(FaceSteel, DialogOpensOnTheFirstClassWithNoneChosenAndOkWarns) {
-    BXQFaceSteelDialog dialog(nullptr, nullptr);
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
-    EXPECT_EQ(dialog.size(), QSize(440, 560));
-    QTableWidget* classes = table(dialog, 0);
-    QTableWidget* thicknesses = table(dialog, 1);
-    ASSERT_TRUE(classes && thicknesses);
-    EXPECT_EQ(column(classes, 0), (QStringList{kHot, kCold, "菱形花纹钢板", "扁豆形花纹钢板", "圆豆形花纹钢板"}));
-    EXPECT_EQ(classes->currentRow(), 0);
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));
-    EXPECT_EQ(column(thicknesses, 1), (QStringList{"157", "999", "35.325"}));
-    EXPECT_EQ(thicknesses->currentItem(), nullptr);
-    EXPECT_TRUE(button(dialog, QStringLiteral("取消"))->property("isOtherCommandButton").toBool());
-
-    dialog.show();
-    QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
-    ASSERT_EQ(m_boxes.size(), 1);
-    EXPECT_EQ((QStringList{m_boxes[0].kind, m_boxes[0].title, m_boxes[0].text}),
-              (QStringList{"warning", QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")}));
-    EXPECT_TRUE(dialog.isVisible());
-    EXPECT_EQ(dialog.result(), QDialog::Rejected);
-}
-
-TEST_F(FaceSteel, ClickingAClassRefillsTheThicknessesAfterTheClickAndDoubleClickTakesThePlateShown) {
-    BXQFaceSteelDialog dialog(nullptr, nullptr);
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    QTableWidget* thicknesses = table(dialog, 1);
-    click(table(dialog, 0), 1, 0);
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));  // queued: not yet
-    QCoreApplication::processEvents();
-    EXPECT_EQ(column(thicknesses, 0), (QStringList{"2", "3", "2.34568", "3"}));
-    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog")));
-    click(thicknesses, 2, 1, true);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(dialog.getResult().className, kCold);
-    EXPECT_EQ(dialog.getResult().thickness, 2.34568);  // as displayed
-}
-
-TEST_F(FaceSteel, DialogLocatesAGivenPlateAndCancelLeavesNoChoice) {
+    // The dialog locates a given plate; cancel leaves no choice.
     BXQFaceSteelDialog located(nullptr, kCold, 3.0, nullptr);
     EXPECT_EQ(table(located, 0)->currentRow(), 1);
     EXPECT_EQ(table(located, 1)->currentRow(), 1);  // the first 3.0
@@ -172,33 +115,64 @@ TEST_F(FaceSteel, DialogLocatesAGivenPlateAndCancelLeavesNoChoice) {
     // The dialog's own query and default answer from the same catalogue.
     EXPECT_EQ(BXQFaceSteelDialog::getFaceSteelQty(kCold, 3.0), 23.55);
     EXPECT_EQ(BXQFaceSteelDialog::defaultFaceInfo().className, kHot);
-}
 
-// Last in the file: the translation stays installed for the rest of the process. In English every
-// text is English and no header is cut short, while the chosen plate is still returned under the
-// class name the host asks quantities by.
-TEST_F(FaceSteel, DialogSpeaksEnglishAndReturnsTheClassNameTheHostKnows) {
-    bxqtest::ChineseAfterwards chinese;
-    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    // The dialog opens on the first class with no plate chosen, and OK then warns; clicking a class
+    // refills the thicknesses after the click, and a double-click takes the plate as shown.
     BXQFaceSteelDialog dialog(nullptr, nullptr);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("钢板类型库"));
+    EXPECT_EQ(dialog.size(), QSize(440, 560));
+    QTableWidget *classes = table(dialog, 0), *thicknesses = table(dialog, 1);
+    ASSERT_TRUE(classes && thicknesses);
+    EXPECT_EQ(column(classes, 0), (QStringList{kHot, kCold, "菱形花纹钢板", "扁豆形花纹钢板", "圆豆形花纹钢板"}));
+    EXPECT_EQ(classes->currentRow(), 0);
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));
+    EXPECT_EQ(column(thicknesses, 1), (QStringList{"157", "999", "35.325"}));
+    EXPECT_EQ(thicknesses->currentItem(), nullptr);
+    EXPECT_TRUE(button(dialog, QStringLiteral("取消"))->property("isOtherCommandButton").toBool());
+
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    EXPECT_EQ(bxqtest::chineseTexts(&dialog), QStringList());
-    for (QTableWidget* t : {table(dialog, 0), table(dialog, 1)})
+    QTest::mouseClick(button(dialog, QStringLiteral("确定")), Qt::LeftButton);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_EQ((QStringList{m_boxes[0].kind, m_boxes[0].title, m_boxes[0].text}),
+              (QStringList{"warning", QStringLiteral("提示"), QStringLiteral("请先选中钢板信息")}));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+
+    click(classes, 1, 0);
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"20", "20", "4.5"}));  // queued: not yet
+    QCoreApplication::processEvents();
+    EXPECT_EQ(column(thicknesses, 0), (QStringList{"2", "3", "2.34568", "3"}));
+    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog")));
+    click(thicknesses, 2, 1, true);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.getResult().className, kCold);
+    EXPECT_EQ(dialog.getResult().thickness, 2.34568);  // as displayed
+
+    // Last in the file: the translation stays installed for the rest of the process. In English every
+    // text is English and no header is cut short, while the chosen plate is still returned under the
+    // class name the host asks quantities by.
+    bxqtest::ChineseAfterwards chinese;
+    ASSERT_TRUE(BXQInstallTranslation(QStringLiteral("en")));
+    BXQFaceSteelDialog english(nullptr, nullptr);
+    english.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&english));
+    EXPECT_EQ(bxqtest::chineseTexts(&english), QStringList());
+    for (QTableWidget* t : {table(english, 0), table(english, 1)})
         for (int c = 0; c < t->columnCount(); ++c) {
             const QString header = t->horizontalHeaderItem(c)->text();
             EXPECT_GE(t->horizontalHeader()->sectionSize(c), t->horizontalHeader()->fontMetrics().horizontalAdvance(header))
                 << header.toStdString();
         }
-    QTableWidget* names = table(dialog, 0);
+    QTableWidget* names = table(english, 0);
     for (int row = 0; row < names->rowCount(); ++row)
         EXPECT_GE(names->visualItemRect(names->item(row, 0)).width(),
                   names->fontMetrics().horizontalAdvance(names->item(row, 0)->text()) + 6)
             << names->item(row, 0)->text().toStdString();
-    EXPECT_TRUE(saveScreen(dialog, QStringLiteral("face_steel_dialog_en")));
+    EXPECT_TRUE(saveScreen(english, QStringLiteral("face_steel_dialog_en")));
     click(names, 1, 0);
     QCoreApplication::processEvents();
-    click(table(dialog, 1), 0, 0);
-    QTest::mouseClick(button(dialog, QStringLiteral("OK")), Qt::LeftButton);
-    EXPECT_EQ(dialog.getResult().className, kCold);
+    click(table(english, 1), 0, 0);
+    QTest::mouseClick(button(english, QStringLiteral("OK")), Qt::LeftButton);
+    EXPECT_EQ(english.getResult().className, kCold);
 }

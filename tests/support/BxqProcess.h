@@ -1,8 +1,10 @@
 // Runs the bxq program (BXQ_BINARY, defined by each suite's build) as a user runs it: arguments,
-// optional standard input, data folder and environment, optionally as an ordinary user.
+// optional standard input, data folder and environment, optionally as an ordinary user; and reads
+// back the files it writes.
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
@@ -43,6 +45,12 @@ inline BxqRun runBxq(const QStringList& arguments, const BxqOptions& options = {
     process.waitForFinished(120000);
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
             process.readAllStandardError()};
+}
+
+// A file's bytes, or none when it cannot be read.
+inline QByteArray contents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 }  // namespace bxqtest
