@@ -59,12 +59,7 @@ protected:
 
 // Stores a user section through the registered provider, as the add dialog would.
 void addSection(const wchar_t* name, int type, int sub, double weight = 0, double area = 0) {
-    SKRHotRollingSection section;
-    section.sectionType = type;
-    section.subId = sub;
-    section.standardName = name;
-    section.weightMeter = weight;
-    section.area = area;
+    const SKRHotRollingSection section{type, sub, name, weight, area, {}};
     ASSERT_TRUE(skr::util::FetchInstance<skr::section::SKRUserHotRollingSectionDBProvider>()->addSection(section));
 }
 
@@ -392,10 +387,7 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
 TEST_F(SectionPolyDialog, ListsTheProjectsDrawnSectionsInTheCustomGroup) {
     const auto rectangle = skr::geometry::ParseSectionPolygon(QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"));
     ASSERT_TRUE(rectangle);
-    SKRCustomPolyInfo drawn;
-    drawn.polygon = rectangle.get();
-    drawn.insertPointX = 50;
-    drawn.insertPointY = 25;
+    SKRCustomPolyInfo drawn{0, {}, rectangle.get(), 50, 25};
     ASSERT_TRUE(SKRSectionDbOperation(s_model->getProjectDB()).addCustomPoly(drawn));
     openDialog();
     auto* view = types();
