@@ -195,7 +195,7 @@ TEST(ParseRecords, EveryTextGivesEveryFieldOfTheRecord) {
 // Welded short forms are completed only at their exact count; code H is decided by the separators,
 // plus first, then tilde, then slash; spaces and parentheses go and all but the last character is
 // upper-cased. A null name, a type 0 or no parameters are not checked.
-TEST(ParseTexts, ShortFormsSeparatorsAndNormalisation) {
+TEST(ParseTexts, ShortFormsSeparatorsNormalisationAndEveryTypeCode) {
     const struct { const char* text; const char* name; int type; QVector<double> params; } rows[] = {
         {"H400*200*8", nullptr, 11, {400, 200, 8}}, {"H400*200*8*13*12*11", nullptr, 11, {400, 200, 8, 13, 12, 11}},
         {"B300*10", nullptr, 13, {300, 10}},        {"B300*200*10*12*5", nullptr, 13, {300, 200, 10, 12, 5}},
@@ -215,16 +215,15 @@ TEST(ParseTexts, ShortFormsSeparatorsAndNormalisation) {
         if (row.type) EXPECT_EQ(info.groupType, SKRSectionPolyInfoParser::polyGroupType(row.type));
         if (!row.params.isEmpty()) EXPECT_EQ(info.params, row.params);
     }
-}
 
-TEST(ParseTypeCodes, EveryCodeGivesItsTypeAndGroup) {
-    const struct { const char* code; int type; int group; } rows[] = {
+    // Every type code gives its type and group.
+    const struct { const char* code; int type; int group; } codes[] = {
         {"I", 1, 1},     {"[", 2, 1},     {"D", 5, 1},     {"HW", 7, 1},   {"HM", 7, 1},    {"HT", 7, 1},
         {"HN", 7, 1},    {"HP", 7, 1},    {"C", 8, 1},     {"Z", 9, 1},    {"TN", 10, 1},   {"TW", 10, 1},
         {"TM", 10, 1},   {"□", 1011, 1},  {"BS", 1012, 1}, {"WS", 1013, 1}, {"WSR", 1013, 1}, {"H", 11, 2},
         {"T", 16, 2},    {"B", 13, 2},    {"HD", 14, 2},   {"X", -1, -1},  {"HX", -1, -1},  {"WSX", -1, -1},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : codes) {
         const QString text = QString::fromUtf8(row.code) + QStringLiteral("100*50*5*8");
         SCOPED_TRACE(text.toStdString());
         const GSectionPolyInfo info = parse(text);
@@ -293,7 +292,7 @@ TEST(ParseNormalisation, DimensionsBeyondTheBoundAreRefusedAsUnreadableTexts) {
     EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal("H400*200*8*13").isEmpty());
 }
 
-TEST(ParserValue, EverySeparatorStartsAValueAndBadPiecesReadAsZero) {
+TEST(ParserValue, EverySeparatorStartsAValueBadPiecesReadAsZeroAndKeysKeepTheirLastValue) {
     const struct { const char* text; char separator; QList<double> values; } rows[] = {
         {"200**8", '*', {200, 0, 8}}, {"", '*', {0}},       {"*", '*', {0, 0}},
         {" 12 * 3.5 ", '*', {12, 3.5}},  {"400.5*.5*8.", '*', {400.5, 0.5, 8}},
@@ -308,9 +307,9 @@ TEST(ParserValue, EverySeparatorStartsAValueAndBadPiecesReadAsZero) {
         EXPECT_EQ(values.size(), text.count(QLatin1Char(row.separator)) + 1);
         for (double value : values) EXPECT_TRUE(std::isfinite(value));
     }
-}
 
-TEST(ParserParamEqualString, KeysAreListedAsWrittenAndHeldOnceWithTheLastValueUpToTheNextEqualsSign) {
+    // Key=value texts: keys are listed as written and held once, with the last value up to the
+    // next equals sign.
     QList<QString> keys;
     QMap<QString, QString> map = SKRSectionPolyInfoParser::parserParamEqualString(
         QStringLiteral("h=400;b=200;h=500"), QStringLiteral(";"), keys);
@@ -322,8 +321,9 @@ TEST(ParserParamEqualString, KeysAreListedAsWrittenAndHeldOnceWithTheLastValueUp
     EXPECT_EQ(map, (QMap<QString, QString>{{"a", "1"}, {"b", ""}}));
 }
 
-// Every type value from -100 to 7100 has the group of its range.
-TEST(PolyGroupType, EveryValueOfEveryRangeHasTheRangesGroup) {
+// Every type value from -100 to 7100 has the group of its range; welded and ball types have their
+// mark, the weld ball an R for any rib, and others none.
+TEST(TypeHelpers, EveryTypeHasTheGroupOfItsRangeAndWeldedAndBallTypesTheirMark) {
     const struct { int first; int last; EnSKRSectionGroupType group; } ranges[] = {
         {-100, -1, sgInvalid},   {0, 0, sgNone},         {1, 10, sgStandard},     {11, 21, sgWelded},
         {22, 1010, sgInvalid},   {1011, 1013, sgStandard}, {1014, 6000, sgInvalid}, {6001, 6001, sgNone},
@@ -335,9 +335,6 @@ TEST(PolyGroupType, EveryValueOfEveryRangeHasTheRangesGroup) {
             EXPECT_EQ(SKRSectionPolyInfoParser::polyGroupType(type), range.group);
         }
     }
-}
-
-TEST(WeldingSteelMark, WeldedAndBallTypesHaveTheirMarkTheWeldBallAnRForAnyRibAndOthersNone) {
     const struct { int type; const char* mark; } rows[] = {
         {11, "H"}, {12, "H"},  {13, "B"}, {14, "HD"}, {15, "H"},    {16, "T"},    {17, "H"},
         {18, "D"}, {19, "BB"}, {20, "H"}, {21, "TY"}, {1012, "BS"}, {1013, "WS"},
@@ -394,7 +391,7 @@ TEST(WeldBall, ExpressionSeesTheDimensionsAndGivesTheCodeAndItsNumericVariables)
 }
 
 // The first entry whose format matches decides the type; the values are those after completion.
-TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValues) {
+TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValuesOthersAreRefusedValidityIsTheKey) {
     const struct { const char* text; int type; const char* values; } rows[] = {
         {"H400*200*8*13", 11, "h=400 b=200 tw=8 t1=13 t2=13"},
         {"H400*200*8*13*12", 11, "h=400 b=200 tw=8 t1=13 t2=12"},
@@ -426,10 +423,9 @@ TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValues) {
         EXPECT_EQ(parser.matchedType(), row.type);
         EXPECT_EQ(matchedValues(parser), valuesOf(row.values));
     }
-}
 
-// Each refusal follows a successful match, which it must forget.
-TEST(WeldedNormFormats, TextsOutsideEveryFormatAreRefusedAndForgetThePreviousMatch) {
+    // Texts outside every format are refused; each refusal follows a successful match, which it
+    // must forget.
     const char* refused[] = {
         "", "H", "H400*200*8", "H400*200*8*13*12*11",  // too few values, too many
         "H400*200*8*13 ",                               // the caller removes spaces, the norm does not
@@ -450,10 +446,9 @@ TEST(WeldedNormFormats, TextsOutsideEveryFormatAreRefusedAndForgetThePreviousMat
         EXPECT_EQ(parser.matchedEntry(), nullptr);
         EXPECT_TRUE(matchedValues(parser).isEmpty());
     }
-}
 
-TEST(WeldedNormValidity, TextMustStartWithTheKeyOfSomeEntry) {
-    const struct { const char* text; bool valid; } rows[] = {
+    // A text is valid when it starts with the key of some entry.
+    const struct { const char* text; bool valid; } keys[] = {
         {"H400*200*8*13", true}, {"HN400*200*8*13", true}, {"H", true},          {"B", true},
         {"T", true},             {"D20", true},            {"BS", true},         {"WSR", true},
         {"WS", true},            {"BB", true},             {"TY", true},         {"HD", true},
@@ -461,10 +456,9 @@ TEST(WeldedNormValidity, TextMustStartWithTheKeyOfSomeEntry) {
         {"XH400", false},        {"(H400", false},         {" H400", false},     {"W", false},
         {"C200", false},         {"L100*10", false},
     };
-    WeldSectionNormParser parser;
-    for (const auto& row : rows) {
+    for (const auto& row : keys) {
         SCOPED_TRACE(row.text);
-        EXPECT_EQ(parser.isValid(QString::fromLatin1(row.text)), row.valid);
+        EXPECT_EQ(WeldSectionNormParser().isValid(QString::fromLatin1(row.text)), row.valid);
     }
 }
 
@@ -600,7 +594,7 @@ TEST(NormRules, SoundSectionsHoldAndEveryBrokenRuleIsListedInTheEntrysOrder) {
     EXPECT_TRUE(failed.isEmpty());
 }
 
-TEST(Declarations, DeclaredNumbersReadBackExactlyInTheirShortestForm) {
+TEST(ScriptEvaluator, DeclaredNumbersReadBackExactlyRulesAreJudgedAndBrokenOrEndlessScriptsReported) {
     for (double value : {0.1 + 0.2, 1.0 / 3.0, 400.5, 1e-7, 123456789012.5, 0.0}) {
         SCOPED_TRACE(value);
         const QString line = SKRScriptEvaluator::declarations({{"x", value}});
@@ -612,11 +606,9 @@ TEST(Declarations, DeclaredNumbersReadBackExactlyInTheirShortestForm) {
         EXPECT_TRUE(ok);
         EXPECT_LE(number.size(), QString::number(value, 'g', 17).size());
     }
-}
 
-// A script that is not valid (broken syntax, a name that is no identifier or is a keyword) fails
-// the whole check and lists no rule.
-TEST(CheckRules, EveryRuleIsJudgedFalseThrowingOrEndlessOnesAreListedAndAnInvalidScriptFailsTheWholeCheck) {
+    // Every rule is judged: false or throwing ones are listed. A script that is not valid (broken
+    // syntax, a name that is no identifier or is a keyword) fails the whole check and lists no rule.
     const struct { QMap<QString, double> values; QStringList rules, failed; bool invalid = false; } rows[] = {
         {{{"h", 400}}, {"h>2*x", "h>0"}, {"h>2*x"}},  // an undeclared name
         {{{"a", 1}, {"b", 2}},
@@ -645,13 +637,11 @@ TEST(CheckRules, EveryRuleIsJudgedFalseThrowingOrEndlessOnesAreListedAndAnInvali
     EXPECT_FALSE(SKRScriptEvaluator::checkRules({{"h", 1}}, {"while(true){}", "h>0", "h>5"}, &failed,
                                                 kShortTimeoutMs));
     EXPECT_EQ(failed, (QStringList{"while(true){}", "h>5"}));
-}
 
-TEST(Evaluate, BrokenThrowingOrEndlessExpressionsAreReportedNotThrown) {
+    // Broken, throwing or endless expressions are reported, not thrown.
     for (const char* expression : {"D +", "undefinedName + 1", "throw 5", "null.x", "while(true){}"}) {
         SCOPED_TRACE(expression);
-        QElapsedTimer clock;
-        clock.start();
+        clock.restart();
         const auto result =
             SKRScriptEvaluator::evaluate({{"D", 300}}, QString::fromLatin1(expression), kShortTimeoutMs);
         EXPECT_LT(clock.elapsed(), kGenerousBoundMs);
@@ -660,7 +650,7 @@ TEST(Evaluate, BrokenThrowingOrEndlessExpressionsAreReportedNotThrown) {
     }
 }
 
-TEST(SectionParams, TheCodesAreTheShippedParameterTables) {
+TEST(SectionParams, TheCodesAreTheShippedTablesBadInputIsRefusedAndEveryTypePrintedFromThemParsesBack) {
     QFile file(QStringLiteral(BXQ_SECTION_PARAMS_CSV));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << BXQ_SECTION_PARAMS_CSV;
     QTextStream in(&file);
@@ -684,9 +674,8 @@ TEST(SectionParams, TheCodesAreTheShippedParameterTables) {
             EXPECT_EQ(codes, type.second);
         }
     }
-}
 
-TEST(SectionParams, UnknownTypesMissingOrSurplusValuesAreRefused) {
+    // Unknown types, missing or surplus values are refused.
     const Params untouched{{"x", 1}};
     struct Refusal { const char* why; int type; QVector<double> values; } refusals[] = {
                     {"invalid type", stInvalid, {1, 2}}, {"custom section", stCustomBase + 1, {1, 2}},
@@ -702,11 +691,10 @@ TEST(SectionParams, UnknownTypesMissingOrSurplusValuesAreRefused) {
         EXPECT_FALSE(error.isEmpty());
         EXPECT_EQ(params, untouched);
     }
-}
 
-// Every type of the section-type table printed from distinct values reads back as the same type
-// with the same values under the same codes: the table's codes, layouts and completion rules agree.
-TEST(SectionParams, EveryTypePrintedFromItsCodesParsesBackToThem) {
+    // Every type of the section-type table printed from distinct values reads back as the same
+    // type with the same values under the same codes: the table's codes, layouts and completion
+    // rules agree.
     for (const SKRSectionTypeDescriptor& row : sectionTypeTable()) {
         if (row.catalogueNamed) continue;  // named by the catalogue, not by dimensions
         const QStringList codes = sectionTypeParamCodes(row.type);
@@ -781,7 +769,7 @@ TEST(StandardName, ShortFormsPrintedFromKeysInAnyOrderAndSpacingParseBack) {
     }
 }
 
-TEST_F(ParamManager, TypeComesWithItsParametersDefaultsTextAndInsertionPointAndTheCheckNamesWhatFails) {
+TEST_F(ParamManager, TypeOrSpecificationComesWithParametersDefaultsTextAndInsertionPointAndTheCheckNamesWhatFails) {
     SKRPolyParamManger manager;
     EXPECT_FALSE(manager.setSectionType(999));
     ASSERT_TRUE(manager.setSectionType(11));
@@ -831,10 +819,8 @@ TEST_F(ParamManager, TypeComesWithItsParametersDefaultsTextAndInsertionPointAndT
     EXPECT_FALSE(manager.checkParams(&message, &index));
     EXPECT_EQ(message, QStringLiteral("截面规格输入错误，h1必须大于h2"));
     EXPECT_EQ(manager.paramDef(index).paramCode, QStringLiteral("h1"));
-}
 
-TEST_F(ParamManager, SpecificationsPositionOnCatalogueRowsOrOnTheirType) {
-    SKRPolyParamManger manager;
+    // A specification positions on its catalogue row or on its type.
     ASSERT_TRUE(manager.setSpecification(QStringLiteral("hn400*200*8*13")));
     EXPECT_TRUE(manager.isCatalogueSection());
     EXPECT_EQ(manager.sectionType(), 7);
