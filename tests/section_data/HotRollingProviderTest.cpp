@@ -294,11 +294,7 @@ protected:
         return rows;
     }
 
-    int polyRowCount() {
-        ndp::CFileAddressList all;
-        table(L"CustomPoly")->ListAll(all);
-        return all.GetCount();
-    }
+    int polyRowCount() { return rowCount(table(L"CustomPoly")); }
 
     // A field of the "CustomPoly" row with that ID, read straight from the table.
     template <typename Read>
@@ -531,7 +527,7 @@ TEST_F(HotRollingProvider, CatalogueNumbersReadAsTheCLibraryReadsThem) {
     }
 }
 
-TEST(ProviderFaults, EveryLookUpReachingADamagedRowFailsNamingTheFile) {
+TEST(ProviderFaults, LookUpsReachingADamagedRowAndChangesToAProjectThatCannotBeWrittenFailNamingTheFile) {
     QTemporaryDir dir;
     const QString path = dir.filePath("SKRSectionPolyDB.KDB");
     {
@@ -553,27 +549,25 @@ TEST(ProviderFaults, EveryLookUpReachingADamagedRowFailsNamingTheFile) {
                               {"listByType", [&] { provider.listByType(1); }},
                               {"listAll", [&] { provider.listAll(); }}},
                              path, "malformed");
-}
 
-TEST(ProviderFaults, AChangeToAProjectThatCannotBeWrittenSaysSo) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("project.KDB");
+    // A change to a project that cannot be written says so.
+    const QString project = dir.filePath("project.KDB");
     const SKRHotRollingSection section = userSection(kSaved, 9, 1);
     {
-        ndp::CDatabase db;
-        ASSERT_TRUE(db.Create(path));
-        SKRUserHotRollingSectionDBProvider provider(db.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields()));
-        ASSERT_TRUE(provider.addSection(section));
-        ASSERT_TRUE(db.Flush());
+        ndp::CDatabase created;
+        ASSERT_TRUE(created.Create(project));
+        SKRUserHotRollingSectionDBProvider user(created.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields()));
+        ASSERT_TRUE(user.addSection(section));
+        ASSERT_TRUE(created.Flush());
     }
-    ndp::CDatabase db;
-    ASSERT_TRUE(db.Open(path, true));
-    SKRUserHotRollingSectionDBProvider provider(db.GetTable(L"CustomHotRolledSection"));
-    expectFailuresNamingFile({{"addSection", [&] { provider.addSection(userSection(kUnsaved, 9, 2)); }},
-                              {"updateSection", [&] { provider.updateSection(section); }},
-                              {"removeSection", [&] { provider.removeSection(9, 1); }}},
-                             path, "cannot write");
-    EXPECT_EQ(provider.listAll().size(), 1u);
+    ndp::CDatabase readOnly;
+    ASSERT_TRUE(readOnly.Open(project, true));
+    SKRUserHotRollingSectionDBProvider user(readOnly.GetTable(L"CustomHotRolledSection"));
+    expectFailuresNamingFile({{"addSection", [&] { user.addSection(userSection(kUnsaved, 9, 2)); }},
+                              {"updateSection", [&] { user.updateSection(section); }},
+                              {"removeSection", [&] { user.removeSection(9, 1); }}},
+                             project, "cannot write");
+    EXPECT_EQ(user.listAll().size(), 1u);
 }
 
 TEST(ProviderFaults, SavedSectionSurvivesTheProcessBeingKilledAndAnUnsavedOneIsGone) {
@@ -726,7 +720,7 @@ struct skr::util::RegistryKey<Probe> {
     static std::string name() { return "class test::Probe"; }
 };
 
-TEST(ObjectRegistry, KeyIsNameAndGroupConcatenatedAndTheFirstRegistrationStays) {
+TEST(ObjectRegistry, KeyIsNameAndGroupConcatenatedTheFirstRegistrationStaysAndOnlyAskedDestroys) {
     int first = 1, second = 2;
     EXPECT_TRUE(RegisterObject("reg.ab", &first, "c"));
     EXPECT_EQ(FetchObject("reg.ab", "c"), &first);
@@ -743,9 +737,8 @@ TEST(ObjectRegistry, KeyIsNameAndGroupConcatenatedAndTheFirstRegistrationStays) 
     EXPECT_FALSE(RegisterObject("reg.null", &first, ""));
     EXPECT_EQ(FetchObject("reg.null", ""), nullptr);
     EXPECT_TRUE(UnRegisterObject("reg.null", ""));
-}
 
-TEST(RegistryInstance, TypedLayerUsesTheLiteralKeyAndDestroysOnlyWhenAsked) {
+    // The typed layer uses the literal key and destroys only when asked.
     Probe::destroyed = 0;
     auto* probe = new Probe;
     ASSERT_TRUE(RegisterInstance(probe));
@@ -850,19 +843,14 @@ TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentica
     // An update of an ID there is not changes nothing.
     CPolygon changed = plate(95);
     changed.GetLoop(1)->Reverse();
-    info.description = QStringLiteral("底板");
-    info.polygon = &changed;
+    info = {info.id, QStringLiteral("底板"), &changed, 1.0 / 3, 2e-9, QStringLiteral("150"), QStringLiteral("75"),
+            QByteArray(3, '\0')};
     for (int missing : {5, -1}) {
         SKRCustomPolyInfo other = info;
         other.id = missing;
         EXPECT_FALSE(m_store->updateCustomPoly(other));
     }
     EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
-    info.insertPointX = 1.0 / 3;
-    info.insertPointY = 2e-9;
-    info.horzSpace = QStringLiteral("150");
-    info.vertSpace = QStringLiteral("75");
-    info.vectorDrawingInfo = QByteArray(3, '\0');
     ASSERT_TRUE(m_store->updateCustomPoly(info));
     reopen();  // without saving: the update flushed
     ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
