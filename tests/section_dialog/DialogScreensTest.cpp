@@ -83,7 +83,7 @@ protected:
 
 }  // namespace
 
-TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
+TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheStateAndMessagesNameTheInterval) {
     const SKRNumericValidator realOpenTop(0.0, 10000.0, 2, true, false);
     const SKRNumericValidator realOpenBottom(1.0, 2.0, 15, false, true);
     const SKRNumericValidator intOpenBottom(0, 100, false, true);
@@ -108,9 +108,8 @@ TEST(NumericValidator, EndsDecimalsAndPartialEntriesDecideTheState) {
     const std::pair<const SKRNumericValidator&, const char*> intervals[] = {
         {realOpenTop, "[0,10000)"}, {realOpenBottom, "(1,2]"}, {intOpenBottom, "(0,100]"}};
     for (const auto& interval : intervals) EXPECT_EQ(interval.first.intervalText(), QString(interval.second));
-}
 
-TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimalsInTheInstalledLanguage) {
+    // The messages name the interval and the decimals in the installed language.
     const SKRNumericValidator integers(1, 99, true, true);
     EXPECT_EQ(integers.invalidMessage(QString()), QStringLiteral("请输入[1,99]之间的整数。"));
     EXPECT_EQ(integers.invalidMessage(QStringLiteral("h: ")), QStringLiteral("h: 请输入[1,99]之间的整数。"));
@@ -126,7 +125,7 @@ TEST(NumericValidator, MessagesNameTheIntervalAndTheDecimalsInTheInstalledLangua
     EXPECT_EQ(translated.invalidMessage(QString()), QStringLiteral("Please enter a real number in [0,10000), with at most 2 decimals."));
 }
 
-TEST(SectionFiguresPanel, FollowsTheDrawnSectionInTableUnits) {
+TEST(SectionFiguresPanel, FollowsTheDrawnSectionInTableUnitsAndShowsTheCatalogueRowsFigures) {
     SKRSectionPreview preview;
     SKRSectionFiguresPanel panel;
     QObject::connect(&preview, &SKRSectionPreview::polygonChanged, &panel, &SKRSectionFiguresPanel::showPolygon);
@@ -149,20 +148,18 @@ TEST(SectionFiguresPanel, FollowsTheDrawnSectionInTableUnits) {
     // Values that make no section clear the figures.
     preview.setSection(11, weldedH(4));
     EXPECT_TRUE(panel.figuresText().isEmpty());
-}
 
-// The catalogue's info row, as low as the dialog makes it, holds the figures beside the drawing.
-TEST(SectionFiguresPanel, CatalogueInfoRowShowsTheRowsFigures) {
+    // The catalogue's info row, as low as the dialog makes it, holds the figures beside the drawing.
     skr::section::SKRHotRollingSection row{
         7, 0, L"HN400*200*8*13", 65.4, 1.56, {{L"h", 400}, {L"b", 200}, {L"tw", 8}, {L"t", 13}, {L"r", 13}}};
     SKRHotRollingInfoWidget info;
     info.resize(650, 190);
     info.showSection(&row);
-    auto* panel = info.findChild<SKRSectionFiguresPanel*>(QStringLiteral("sectionFigures"));
-    ASSERT_NE(panel, nullptr);
+    auto* rowPanel = info.findChild<SKRSectionFiguresPanel*>(QStringLiteral("sectionFigures"));
+    ASSERT_NE(rowPanel, nullptr);
     // The published row: A 83.37 cm2, Ix 23500 cm4.
-    EXPECT_EQ(line(panel->figuresText(), "A"), QStringLiteral("A 83.37 cm²"));
-    QTRY_VERIFY_WITH_TIMEOUT(!panel->warpingPending(), 5000);
+    EXPECT_EQ(line(rowPanel->figuresText(), "A"), QStringLiteral("A 83.37 cm²"));
+    QTRY_VERIFY_WITH_TIMEOUT(!rowPanel->warpingPending(), 5000);
     info.show();
     EXPECT_TRUE(saveScreen(info, QStringLiteral("section_figures_catalogue")));
 }

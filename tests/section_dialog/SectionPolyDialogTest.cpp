@@ -101,7 +101,7 @@ TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
     EXPECT_EQ(stored.second.params.size(), 4u);
 }
 
-TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExists) {
+TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEditsOnlyTheFigures) {
     SKRUserHotRollingSectionDialog bad(9, 1);
     const QList<QLineEdit*> fields = fill(bad, {"Z", "270*80", "10"});  // two of four dimensions
     bad.okSlot();
@@ -120,19 +120,18 @@ TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExists) {
     ASSERT_EQ(m_boxes.size(), 3);
     EXPECT_EQ(m_boxes[2], QStringLiteral("注：规格名称已存在,请重新输入."));
     EXPECT_EQ(twice.result(), QDialog::Rejected);
-}
 
-TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures) {
+    // Edit mode shows the stored section and changes only its figures.
     addSection(L"HW100*100(ZDY)", 7, 9, 17.2, 0.574);
     SKRUserHotRollingSectionDialog dialog(7, 9, QStringLiteral("HW100*100(ZDY)"));
     EXPECT_TRUE(dialog.isEditMode());
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("编辑自定义截面"));
-    const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
-    EXPECT_EQ(fields[0]->text(), QStringLiteral("HW"));
-    EXPECT_EQ(fields[1]->text(), QStringLiteral("100*100"));
-    EXPECT_EQ(fields[2]->text(), QStringLiteral("17.2"));
-    EXPECT_FALSE(fields[0]->isEnabled());
-    EXPECT_FALSE(fields[1]->isEnabled());
+    const QList<QLineEdit*> shown = dialog.findChildren<QLineEdit*>();
+    EXPECT_EQ(shown[0]->text(), QStringLiteral("HW"));
+    EXPECT_EQ(shown[1]->text(), QStringLiteral("100*100"));
+    EXPECT_EQ(shown[2]->text(), QStringLiteral("17.2"));
+    EXPECT_FALSE(shown[0]->isEnabled());
+    EXPECT_FALSE(shown[1]->isEnabled());
     bool noteFound = false;
     for (QLabel* label : dialog.findChildren<QLabel*>())
         noteFound |= label->text() == QStringLiteral("注:编辑自定义截面,无法修改截面代号和规格尺寸.");
@@ -142,7 +141,7 @@ TEST_F(UserSectionDialog, EditModeShowsTheStoredSectionAndChangesOnlyItsFigures)
     dialog.setSectionModifyHandler([&calls](const SKRHotRollingSection&) { ++calls; });
     dialog.okSlot();
     EXPECT_EQ(calls, 0);
-    EXPECT_EQ(m_boxes.size(), 1);
+    EXPECT_EQ(m_boxes.size(), 4);
 
     addSection(L"HW100*100*6*8(ZDY)", 7, 10, 17.2, 0.574);
     SKRUserHotRollingSectionDialog edit(7, 10, QStringLiteral("HW100*100*6*8(ZDY)"));

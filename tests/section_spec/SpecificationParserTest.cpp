@@ -195,7 +195,7 @@ TEST(ParseRecords, EveryTextGivesEveryFieldOfTheRecord) {
 // Welded short forms are completed only at their exact count; code H is decided by the separators,
 // plus first, then tilde, then slash; spaces and parentheses go and all but the last character is
 // upper-cased. A null name, a type 0 or no parameters are not checked.
-TEST(ParseTexts, ShortFormsSeparatorsNormalisationAndEveryTypeCode) {
+TEST(ParseTexts, ShortFormsSeparatorsNormalisationTypeCodesGroupsBoundsAndEachLanguagesKeyword) {
     const struct { const char* text; const char* name; int type; QVector<double> params; } rows[] = {
         {"H400*200*8", nullptr, 11, {400, 200, 8}}, {"H400*200*8*13*12*11", nullptr, 11, {400, 200, 8, 13, 12, 11}},
         {"B300*10", nullptr, 13, {300, 10}},        {"B300*200*10*12*5", nullptr, 13, {300, 200, 10, 12, 5}},
@@ -232,9 +232,41 @@ TEST(ParseTexts, ShortFormsSeparatorsNormalisationAndEveryTypeCode) {
         EXPECT_EQ(info.sectionType, row.type);
         EXPECT_EQ(info.groupType, row.group);
     }
-}
 
-TEST(ParseCustomSections, EachInterfaceLanguageRecognisesOnlyItsOwnKeyword) {
+    // The group analysed answers for the type code, not for the norm's result.
+    const struct { const char* text; EnSKRSectionGroupType codeGroup; EnSKRSectionGroupType recordGroup; } groups[] = {
+        {"D500~400*10", sgStandard, sgWelded},  // code "D", but the welded norm decides
+        {"WS300*8", sgStandard, sgStandard},  {"HD300*10", sgWelded, sgWelded},
+        {"BB400*300*200*150*10*12", sgInvalid, sgWelded},
+        {"200*300", sgNone, sgNone},          {"X1", sgInvalid, sgInvalid},
+        {"自定义截面7", sgCustom, sgCustom},  {"Z1(ZDY)", sgStandard, sgStandard},
+    };
+    for (const auto& row : groups) {
+        SCOPED_TRACE(row.text);
+        SKRSectionPolyInfoParser parser;
+        parser.parser(QString::fromUtf8(row.text));
+        EXPECT_EQ(parser.analyseGroupType(), row.codeGroup);
+        EXPECT_EQ(parser.sectionPolyInfo().groupType, row.recordGroup);
+    }
+
+    // Dimensions beyond the bound are refused as unreadable texts.
+    const QString huge = QString(400, QLatin1Char('9'));
+    const struct { QString text, dimension; } cases[] = {
+        {"TY400*7760*3e46*150*10", "3e46"}, {"H" + huge + "*200*8*13", huge}, {"D1000000.5", "1000000.5"}};
+    for (const auto& refused : cases) {
+        SCOPED_TRACE(refused.text.toStdString());
+        const GSectionPolyInfo info = parse(refused.text);
+        EXPECT_EQ(info.sectionType, -1);
+        EXPECT_EQ(info.groupType, -1);
+        for (double value : info.params) EXPECT_EQ(value, 0.0);
+        EXPECT_EQ(SKRSectionPolyInfoParser::outOfRangeDimension(refused.text), refused.dimension);
+        EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal(refused.text).contains(refused.text.left(20)));
+    }
+    // The bound itself is a size still taken.
+    EXPECT_EQ(parse("D1000000").params, QVector<double>{1e6});
+    EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal("H400*200*8*13").isEmpty());
+
+    // Each interface language recognises only its own custom-section keyword.
     ASSERT_EQ(SKRSectionPolyInfoParser::customSectionKeyword(), QStringLiteral("自定义截面"));
     GSectionPolyInfo info = parse(QStringLiteral("CustomSection7"));
     EXPECT_EQ(info.sectionType, stInvalid);
@@ -255,41 +287,6 @@ TEST(ParseCustomSections, EachInterfaceLanguageRecognisesOnlyItsOwnKeyword) {
     info = parse(QStringLiteral("自定义截面7"));
     EXPECT_NE(info.sectionType, 7007);
     EXPECT_NE(info.groupType, sgCustom);
-}
-
-TEST(AnalyseGroupType, AnswersForTheTypeCodeNotForTheNormResult) {
-    const struct { const char* text; EnSKRSectionGroupType codeGroup; EnSKRSectionGroupType recordGroup; } rows[] = {
-        {"D500~400*10", sgStandard, sgWelded},  // code "D", but the welded norm decides
-        {"WS300*8", sgStandard, sgStandard},  {"HD300*10", sgWelded, sgWelded},
-        {"BB400*300*200*150*10*12", sgInvalid, sgWelded},
-        {"200*300", sgNone, sgNone},          {"X1", sgInvalid, sgInvalid},
-        {"自定义截面7", sgCustom, sgCustom},  {"Z1(ZDY)", sgStandard, sgStandard},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        SKRSectionPolyInfoParser parser;
-        parser.parser(QString::fromUtf8(row.text));
-        EXPECT_EQ(parser.analyseGroupType(), row.codeGroup);
-        EXPECT_EQ(parser.sectionPolyInfo().groupType, row.recordGroup);
-    }
-}
-
-TEST(ParseNormalisation, DimensionsBeyondTheBoundAreRefusedAsUnreadableTexts) {
-    const QString huge = QString(400, QLatin1Char('9'));
-    const struct { QString text, dimension; } cases[] = {
-        {"TY400*7760*3e46*150*10", "3e46"}, {"H" + huge + "*200*8*13", huge}, {"D1000000.5", "1000000.5"}};
-    for (const auto& refused : cases) {
-        SCOPED_TRACE(refused.text.toStdString());
-        const GSectionPolyInfo info = parse(refused.text);
-        EXPECT_EQ(info.sectionType, -1);
-        EXPECT_EQ(info.groupType, -1);
-        for (double value : info.params) EXPECT_EQ(value, 0.0);
-        EXPECT_EQ(SKRSectionPolyInfoParser::outOfRangeDimension(refused.text), refused.dimension);
-        EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal(refused.text).contains(refused.text.left(20)));
-    }
-    // The bound itself is a size still taken.
-    EXPECT_EQ(parse("D1000000").params, QVector<double>{1e6});
-    EXPECT_TRUE(SKRSectionPolyInfoParser::rangeRefusal("H400*200*8*13").isEmpty());
 }
 
 TEST(ParserValue, EverySeparatorStartsAValueBadPiecesReadAsZeroAndKeysKeepTheirLastValue) {
@@ -508,7 +505,7 @@ TEST(WeldedNormTable, ExamplesMatchTheirEntriesAndMatchingByHandAgreesWithTheExp
     }
 }
 
-TEST(NormExpression, LiteralTokensMatchThemselvesAndNamesCaptureNumbers) {
+TEST(NormExpression, LiteralTokensMatchThemselvesNamesCaptureNumbersAndCatalogueNormsMatchTheirOwnTexts) {
     SectionNormEntry entry;
     entry.paramNames = QStringList{"a", "b"};
     const QRegularExpression expression(
@@ -523,9 +520,8 @@ TEST(NormExpression, LiteralTokensMatchThemselvesAndNamesCaptureNumbers) {
         SCOPED_TRACE(text);
         EXPECT_FALSE(expression.match(QString::fromLatin1(text)).hasMatch());
     }
-}
 
-TEST(HotRollingNorms, EveryTextIsValidButStarSeparatedNormsMatchTheirOwnTextsOnly) {
+    // A catalogue norm takes every text as valid, but star-separated norms match their own texts only.
     HotRollingSectionNormParser empty({});
     for (const char* text : {"", "H400*200*8*13", "I20a", "anything at all", "(ZDY)"})
         EXPECT_TRUE(empty.isValid(QString::fromLatin1(text))) << text;
@@ -650,7 +646,7 @@ TEST(ScriptEvaluator, DeclaredNumbersReadBackExactlyRulesAreJudgedAndBrokenOrEnd
     }
 }
 
-TEST(SectionParams, TheCodesAreTheShippedTablesBadInputIsRefusedAndEveryTypePrintedFromThemParsesBack) {
+TEST(SectionParams, TheCodesAreTheShippedTablesBadInputIsRefusedAndEveryTypeAndShortFormPrintedParsesBack) {
     QFile file(QStringLiteral(BXQ_SECTION_PARAMS_CSV));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << BXQ_SECTION_PARAMS_CSV;
     QTextStream in(&file);
@@ -726,11 +722,9 @@ TEST(SectionParams, TheCodesAreTheShippedTablesBadInputIsRefusedAndEveryTypePrin
         ASSERT_TRUE(sectionParamsByCode(info, back));
         EXPECT_EQ(describe(back), describe(values));
     }
-}
 
-// Short forms leave out the parameter that the parser completes from another one; the printed
-// name leaves out its separator too.
-TEST(StandardName, ShortFormsPrintedFromKeysInAnyOrderAndSpacingParseBack) {
+    // Short forms leave out the parameter that the parser completes from another one; the printed
+    // name leaves out its separator too.
     // What the caller passes (given) and what the parser reads back (params).
     const struct { int type, rib, typeIndex; Given given; QVector<double> params; } rows[] = {
         {11, 0, 0, {{"h", "400"}, {"b", "200"}, {"tw", "8"}, {"t1", "13"}}, {400, 200, 8, 13, 13}},
