@@ -318,9 +318,9 @@ auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
 
 }  // namespace
 
-TEST_F(HotRollingProvider, FindsListsAndCachesKeyLookUpsOfSystemRowsWithParametersInFieldOrder) {
+TEST_F(HotRollingProvider, FindsListsAndCachesSystemRowsWithParametersInFieldOrderAndKeepsUserSections) {
     SKRHotRollingSectionDBProvider provider(m_system);
-    const SKRHotRollingLookup found = provider.findByName(L"I20a");
+    SKRHotRollingLookup found = provider.findByName(L"I20a");
     ASSERT_TRUE(found.first);
     EXPECT_EQ(found.second.sectionType, 1);
     EXPECT_EQ(found.second.weightMeter, 27.9);
@@ -359,15 +359,14 @@ TEST_F(HotRollingProvider, FindsListsAndCachesKeyLookUpsOfSystemRowsWithParamete
     row->Release();
     EXPECT_EQ(thrown<std::invalid_argument>([&] { SKRHotRollingSectionDBProvider(noName).listByType(1); }),
               "Invalid Field Name!");
-}
 
-TEST_F(HotRollingProvider, UserSectionsAreAddedOnceUpdatedAndRemoved) {
+    // User sections are added once, updated and removed.
     SKRUserHotRollingSectionDBProvider user(m_user);
     const std::wstring name = L"Z270*80*8*3(ZDY)";
     ASSERT_TRUE(user.addSection(userSection(name, 9, 1)));
     EXPECT_FALSE(user.addSection(userSection(name, 9, 2)));
     EXPECT_EQ(rowCount(m_user), 1);
-    SKRHotRollingLookup found = user.findByName(name);
+    found = user.findByName(name);
     ASSERT_TRUE(found.first);
     EXPECT_EQ(found.second.sectionType, 9);
     EXPECT_EQ(found.second.params, kUserParams);  // stored as "h=270;b=80.25;", trailing separator and all
@@ -793,7 +792,7 @@ TEST_F(CustomPolyStoreTest, FirstPolygonsGetConsecutiveIdsAndATypeRowEachAndARem
     EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
 }
 
-TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
+TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCountAndTheStoreNeedsBothTables) {
     ndp::CDBTable* polys = table(L"CustomPoly");
     ndp::CDBRecord* record = polys->CreateRecord();
     record->SetInt(polys->FindField(L"ID"), 41);
@@ -810,6 +809,20 @@ TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCount) {
     EXPECT_EQ(info.description, QStringLiteral("自定义截面42"));
     EXPECT_EQ(typeRows().back().first, 0);
     EXPECT_EQ(polyField(42, L"CustomPolyTypeID", readInt), 0);
+
+    // The store needs a database with both tables.
+    EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
+    QTemporaryDir dir;
+    for (const wchar_t* only : {L"CustomPoly", L"CustomPolyType"}) {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(dir.filePath(QString::fromWCharArray(only) + ".KDB")));
+        db.CreateTable(only, {{L"ID", EnDBFieldKind::Int32, true}});
+        EXPECT_EQ(thrownBy(&db), kCannotAccept) << only;
+    }
+    ndp::CDatabase both;
+    ASSERT_TRUE(both.Create(dir.filePath("both.KDB")));
+    ASSERT_TRUE(VMPProjectModel::createProjectTables(&both));
+    EXPECT_EQ(thrownBy(&both), "nothing thrown");
 }
 
 TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentical) {
@@ -865,19 +878,4 @@ TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentica
     EXPECT_EQ(polyField(info.id, L"CustomPolyTypeID", readInt), 1);
     EXPECT_EQ(polyField(info.id, L"TypeName", readText), L"自定义截面类型");
     EXPECT_EQ(polyRowCount(), 1);
-}
-
-TEST(CustomPolyStoreRefusals, StoreNeedsADatabaseWithBothTables) {
-    EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
-    QTemporaryDir dir;
-    for (const wchar_t* only : {L"CustomPoly", L"CustomPolyType"}) {
-        ndp::CDatabase db;
-        ASSERT_TRUE(db.Create(dir.filePath(QString::fromWCharArray(only) + ".KDB")));
-        db.CreateTable(only, {{L"ID", EnDBFieldKind::Int32, true}});
-        EXPECT_EQ(thrownBy(&db), kCannotAccept) << only;
-    }
-    ndp::CDatabase both;
-    ASSERT_TRUE(both.Create(dir.filePath("both.KDB")));
-    ASSERT_TRUE(VMPProjectModel::createProjectTables(&both));
-    EXPECT_EQ(thrownBy(&both), "nothing thrown");
 }

@@ -252,7 +252,7 @@ TEST_F(DialogScreens, EveryTypeShowsItsSection) {
     EXPECT_GE(chosen, 24);
 }
 
-TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepths) {
+TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepthsThenTheCodeTableAndFaceSteel) {
     chooseType(stWeldedTaperedH);
     ASSERT_NE(editor(), nullptr);
     ASSERT_GE(editor()->lineEditCount(), 2);
@@ -270,9 +270,8 @@ TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepths) {
     EXPECT_NEAR(ends[0].boundingRect().height(), 700, 1e-6);
     EXPECT_NEAR(ends[1].boundingRect().height(), 300, 1e-6);
     EXPECT_TRUE(saveScreen(*m_dialog, screenName(QStringLiteral("section_tapered_h"))));
-}
 
-TEST_F(DialogScreens, CodeTableAndFaceSteel) {
+    // The code table and the face-steel dialog.
     QPushButton* codes = nullptr;  // the code-table button is the one 100 by 23 pixels
     for (QPushButton* button : m_dialog->findChildren<QPushButton*>())
         if (button->size() == QSize(100, 23)) codes = button;

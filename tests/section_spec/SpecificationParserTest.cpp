@@ -390,8 +390,7 @@ TEST(WeldBall, ExpressionSeesTheDimensionsAndGivesTheCodeAndItsNumericVariables)
 // The first entry whose format matches decides the type; the values are those after completion.
 TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValuesOthersAreRefusedValidityIsTheKey) {
     const struct { const char* text; int type; const char* values; } rows[] = {
-        {"H400*200*8*13", 11, "h=400 b=200 tw=8 t1=13 t2=13"},
-        {"H400*200*8*13*12", 11, "h=400 b=200 tw=8 t1=13 t2=12"},
+        {"H400*200*8*13", 11, "h=400 b=200 tw=8 t1=13 t2=13"}, {"H400*200*8*13*12", 11, "h=400 b=200 tw=8 t1=13 t2=12"},
         // Values need a leading digit and may end with a point.
         {"H400*200*8.*13", 11, "h=400 b=200 tw=8. t1=13 t2=13"},
         {"H400.5*200*8*13", 11, "h=400.5 b=200 tw=8 t1=13 t2=13"},
@@ -607,12 +606,10 @@ TEST(ScriptEvaluator, DeclaredNumbersReadBackExactlyRulesAreJudgedAndBrokenOrEnd
     // syntax, a name that is no identifier or is a keyword) fails the whole check and lists no rule.
     const struct { QMap<QString, double> values; QStringList rules, failed; bool invalid = false; } rows[] = {
         {{{"h", 400}}, {"h>2*x", "h>0"}, {"h>2*x"}},  // an undeclared name
-        {{{"a", 1}, {"b", 2}},
-         {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"},
+        {{{"a", 1}, {"b", 2}}, {"a>b", "a<b", "a==b", "b==2", "undefinedName", "a+b==3"},
          {"a>b", "a==b", "undefinedName"}},
         // Checks do not share variables.
-        {{{"h", 1}}, {"h==1", "(x = 5) == 5"}, {}},
-        {{{"h", 1}}, {"x==5"}, {"x==5"}},
+        {{{"h", 1}}, {"h==1", "(x = 5) == 5"}, {}}, {{{"h", 1}}, {"x==5"}, {"x==5"}},
         {{{"h", 400}}, {"h>", "h>0"}, {"h>"}},     {{{"h", 400}}, {"h>0", "h>1", "(h>2"}, {}, true},
         {{{"1h", 400}}, {"true"}, {}, true},       {{{"var", 1}}, {"true"}, {}, true},
     };
