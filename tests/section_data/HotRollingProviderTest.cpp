@@ -626,7 +626,7 @@ INSTANTIATE_TEST_SUITE_P(Databases, SectionRepositoryStartUp,
                                            StartUpCase{"Missing", false, false}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
+TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroyingAndAFreshStartServesSchemesAndParameters) {
     makeSectionDb(true);
     skr::InitBXQSteelRepository(&m_project);
     SectionRepository* repository = FetchInstance<SectionRepository>();
@@ -648,10 +648,9 @@ TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroying) {
     delete repository;  // nothing of its own is registered any more
     delete user;
     delete scheme;
-}
 
-TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrderAndUnregisteringKeepsTheUserProvider) {
-    makeSectionDb(true);
+    // Started again: scheme and parameter rows come in search order, and unregistering the section
+    // database keeps the user provider.
     skr::InitBXQSteelRepository(&m_project);
     const SectionParamProvider* params = FetchInstance<SectionParamProvider>();
     const auto all = params->paramsOf(11);
@@ -673,8 +672,7 @@ TEST_F(SectionRepositoryTest, SchemeAndParameterRowsComeInSearchOrderAndUnregist
     EXPECT_FALSE(schemes->findScheme(12).first);
     EXPECT_EQ(schemes->allSchemes().size(), 1u);
 
-    // Unregistering the section database keeps the user provider.
-    SectionRepository* repository = FetchInstance<SectionRepository>();
+    repository = FetchInstance<SectionRepository>();
     repository->UnRegSectionPolyDB();
     expectProviders(false, false, false, true);
     repository->UnRegProjectDB();

@@ -227,7 +227,7 @@ TEST_F(DialogScreens, EveryDialogGoesWholeHoweverItIsTornDown) {
     }
 }
 
-TEST_F(DialogScreens, EveryTypeShowsItsSection) {
+TEST_F(DialogScreens, EveryTypeShowsItsSectionTheTaperedHItsTypedDepthsThenTheCodeTableAndFaceSteel) {
     const QAbstractItemModel* model = types()->model();
     int chosen = 0;
     for (int row = 0; row < model->rowCount(); ++row)
@@ -250,9 +250,8 @@ TEST_F(DialogScreens, EveryTypeShowsItsSection) {
             }
         }
     EXPECT_GE(chosen, 24);
-}
 
-TEST_F(DialogScreens, TheTaperedHShowsTheTypedDepthsThenTheCodeTableAndFaceSteel) {
+    // The tapered H shows the depths typed at its two ends.
     chooseType(stWeldedTaperedH);
     ASSERT_NE(editor(), nullptr);
     ASSERT_GE(editor()->lineEditCount(), 2);

@@ -65,7 +65,7 @@ void addSection(const wchar_t* name, int type, int sub, double weight = 0, doubl
 
 }  // namespace
 
-TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
+TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMarkOrSaysTheProjectIsBusy) {
     SKRUserHotRollingSectionDialog dialog(9, 1);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("添加自定义截面"));
     const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
@@ -99,6 +99,24 @@ TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMark) {
     EXPECT_EQ(stored.second.weightMeter, 1234.5);
     EXPECT_EQ(stored.second.area, 0.7);
     EXPECT_EQ(stored.second.params.size(), 4u);
+
+    // A project held by another writer is said busy, not taken for a name that exists.
+    ndp::CDatabase* project = s_model->getProjectDB();
+    ASSERT_TRUE(project->Flush());
+    ndp::CDatabase other;
+    ASSERT_TRUE(other.Open(project->GetPath(), false));
+    ASSERT_TRUE(other.BeginTransaction());  // holds the write lock
+    const int wait = ndp::CDatabase::GetBusyTimeout();
+    ndp::CDatabase::SetBusyTimeout(100);
+    SKRUserHotRollingSectionDialog busy(9, 7);
+    ASSERT_EQ(fill(busy, {"Z", "250*75*20*2.5", "10", "0.5"}).size(), 4);
+    busy.okSlot();
+    ndp::CDatabase::SetBusyTimeout(wait);
+    ASSERT_EQ(m_boxes.size(), 1);
+    EXPECT_TRUE(m_boxes[0].contains(QStringLiteral("busy"))) << m_boxes[0].toStdString();
+    EXPECT_TRUE(m_boxes[0].contains(project->GetPath())) << m_boxes[0].toStdString();
+    other.Close();
+    EXPECT_FALSE(m_user->findByName(L"Z250*75*20*2.5(ZDY)").first);
 }
 
 TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEditsOnlyTheFigures) {
@@ -153,25 +171,6 @@ TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEdi
     EXPECT_EQ(received.standardName, L"HW100*100*6*8(ZDY)");
     EXPECT_EQ(received.weightMeter, 17.3);
     EXPECT_EQ(received.subId, 10);
-}
-
-TEST_F(UserSectionDialog, AProjectHeldByAnotherWriterIsSaidBusyNotTakenForANameThatExists) {
-    ndp::CDatabase* project = s_model->getProjectDB();
-    ASSERT_TRUE(project->Flush());
-    ndp::CDatabase other;
-    ASSERT_TRUE(other.Open(project->GetPath(), false));
-    ASSERT_TRUE(other.BeginTransaction());  // holds the write lock
-    const int wait = ndp::CDatabase::GetBusyTimeout();
-    ndp::CDatabase::SetBusyTimeout(100);
-    SKRUserHotRollingSectionDialog dialog(9, 7);
-    ASSERT_EQ(fill(dialog, {"Z", "250*75*20*2.5", "10", "0.5"}).size(), 4);
-    dialog.okSlot();
-    ndp::CDatabase::SetBusyTimeout(wait);
-    ASSERT_EQ(m_boxes.size(), 1);
-    EXPECT_TRUE(m_boxes[0].contains(QStringLiteral("busy"))) << m_boxes[0].toStdString();
-    EXPECT_TRUE(m_boxes[0].contains(project->GetPath())) << m_boxes[0].toStdString();
-    other.Close();
-    EXPECT_FALSE(m_user->findByName(L"Z250*75*20*2.5(ZDY)").first);
 }
 
 TEST_F(SectionPolyDialog, OpensWithGroupsAsPicturesAndTheLibraryLayoutAndFiltersTypedText) {
@@ -382,7 +381,7 @@ TEST_F(SectionPolyDialog, AddingAUserSectionRefusesANameThatExistsAndListsANewOn
     // The project's drawn sections are listed in the custom group.
     const auto rectangle = skr::geometry::ParseSectionPolygon(QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0"));
     ASSERT_TRUE(rectangle);
-    SKRCustomPolyInfo drawn{0, {}, rectangle.get(), 50, 25};
+    SKRCustomPolyInfo drawn{0, {}, rectangle.get(), 50, 25, {}, {}, {}};
     ASSERT_TRUE(SKRSectionDbOperation(s_model->getProjectDB()).addCustomPoly(drawn));
     openDialog();
     auto* view = types();

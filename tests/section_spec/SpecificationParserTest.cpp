@@ -98,7 +98,7 @@ QStringList codes(const SKRPolyParamManger& manager) {
 
 }  // namespace
 
-TEST(ParseRecords, EveryTextGivesEveryFieldOfTheRecord) {
+TEST(ParseRecords, EveryTextAndBallExpressionGivesEveryFieldOfTheRecord) {
     const Case rows[] = {
         // Standard, bare and unknown texts.
         {"hn 400*200*8*13", "HN400*200*8*13", "HN", "400*200*8*13", 7, 1, 6, {400, 200, 8, 13}},
@@ -189,6 +189,43 @@ TEST(ParseRecords, EveryTextGivesEveryFieldOfTheRecord) {
             EXPECT_EQ(info.paramCount, row.params.size());
             EXPECT_EQ(info.weldBallCode, 0);
         }
+    }
+
+    // Ball nodes: the expression sees the dimensions and gives the code and its numeric variables.
+    // Code -1: the expression failed.
+    const struct {
+        const char *text, *expression; int type, code; BallValues values; QVector<double> params;
+    } balls[] = {
+        {"WS300*8", "D > 2*t ? 1 : 2", stWeldBall, 1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"WS16*8", "D > 2*t ? 1 : 2", stWeldBall, 2, {{L"D", 16}, {L"t", 8}}, {16, 8}},
+        {"WSR300*8", "D - 10*t", stWeldBall, 220, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"ws 300 * 8", "t", stWeldBall, 8, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        // A bolt ball has no thickness to offer.
+        {"BS300", "D == 300 ? 3 : 4", stBoltBall, 3, {{L"D", 300}}, {300}},
+        // Numeric variables join the values; the parameters follow key order, capitals first.
+        {"WS300*8", "var area = D * t; var note = 'thin'; 5", stWeldBall, 5,
+         {{L"D", 300}, {L"area", 2400}, {L"t", 8}}, {300, 2400, 8}},
+        {"WS300*8", "undefinedName * 2", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"WS300*8", "throw 1", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"WS300*8", "D +", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"WS300*8", "null.x", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        {"WS300*8", "7", stWeldBall, 7, {{L"D", 300}, {L"t", 8}}, {300, 8}},
+        // Without an expression only the diameter is named, and no earlier code is kept.
+        {"WS300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}}, {"WSR300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}},
+        {"BS300", "", stBoltBall, 0, {{L"D", 300}}, {300}},
+    };
+    SKRSectionPolyInfoParser parser;  // one parser for all: each text is parsed anew
+    for (const auto& row : balls) {
+        SCOPED_TRACE(std::string(row.text) + " / " + row.expression);
+        const SKRWeldBallInfo ball = parser.parser(QString::fromLatin1(row.text), QString::fromLatin1(row.expression));
+        EXPECT_EQ(ball.code, row.code);
+        EXPECT_EQ(ball.values, row.values);
+        const GSectionPolyInfo info = parser.sectionPolyInfo();
+        EXPECT_EQ(info.sectionType, row.type);
+        EXPECT_EQ(info.groupType, sgStandard);
+        EXPECT_EQ(info.weldBallCode, row.code);
+        EXPECT_EQ(info.params, row.params);
+        EXPECT_EQ(info.paramCount, row.params.size());
     }
 }
 
@@ -349,44 +386,6 @@ TEST(TypeHelpers, EveryTypeHasTheGroupOfItsRangeAndWeldedAndBallTypesTheirMark) 
     }
 }
 
-TEST(WeldBall, ExpressionSeesTheDimensionsAndGivesTheCodeAndItsNumericVariables) {
-    // Code -1: the expression failed.
-    const struct {
-        const char *text, *expression; int type, code; BallValues values; QVector<double> params;
-    } rows[] = {
-        {"WS300*8", "D > 2*t ? 1 : 2", stWeldBall, 1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"WS16*8", "D > 2*t ? 1 : 2", stWeldBall, 2, {{L"D", 16}, {L"t", 8}}, {16, 8}},
-        {"WSR300*8", "D - 10*t", stWeldBall, 220, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"ws 300 * 8", "t", stWeldBall, 8, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        // A bolt ball has no thickness to offer.
-        {"BS300", "D == 300 ? 3 : 4", stBoltBall, 3, {{L"D", 300}}, {300}},
-        // Numeric variables join the values; the parameters follow key order, capitals first.
-        {"WS300*8", "var area = D * t; var note = 'thin'; 5", stWeldBall, 5,
-         {{L"D", 300}, {L"area", 2400}, {L"t", 8}}, {300, 2400, 8}},
-        {"WS300*8", "undefinedName * 2", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"WS300*8", "throw 1", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"WS300*8", "D +", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"WS300*8", "null.x", stWeldBall, -1, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        {"WS300*8", "7", stWeldBall, 7, {{L"D", 300}, {L"t", 8}}, {300, 8}},
-        // Without an expression only the diameter is named, and no earlier code is kept.
-        {"WS300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}}, {"WSR300*8", "", stWeldBall, 0, {{L"D", 300}}, {300}},
-        {"BS300", "", stBoltBall, 0, {{L"D", 300}}, {300}},
-    };
-    SKRSectionPolyInfoParser parser;  // one parser for all: each text is parsed anew
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.text) + " / " + row.expression);
-        const SKRWeldBallInfo ball = parser.parser(QString::fromLatin1(row.text), QString::fromLatin1(row.expression));
-        EXPECT_EQ(ball.code, row.code);
-        EXPECT_EQ(ball.values, row.values);
-        const GSectionPolyInfo info = parser.sectionPolyInfo();
-        EXPECT_EQ(info.sectionType, row.type);
-        EXPECT_EQ(info.groupType, sgStandard);
-        EXPECT_EQ(info.weldBallCode, row.code);
-        EXPECT_EQ(info.params, row.params);
-        EXPECT_EQ(info.paramCount, row.params.size());
-    }
-}
-
 // The first entry whose format matches decides the type; the values are those after completion.
 TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValuesOthersAreRefusedValidityIsTheKey) {
     const struct { const char* text; int type; const char* values; } rows[] = {
@@ -461,7 +460,7 @@ TEST(WeldedNormFormats, EachFormatAcceptsItsTextAndCapturesTheNamedValuesOthersA
 // The example of every entry matches that entry and keeps its rules. The norms match texts without
 // running their expressions; every text, well or badly formed, gets the entry and values the
 // expressions give.
-TEST(WeldedNormTable, ExamplesMatchTheirEntriesAndMatchingByHandAgreesWithTheExpressions) {
+TEST(WeldedNormTable, ExamplesMatchTheirEntriesMatchingByHandAgreesWithTheExpressionsAndRulesAreListed) {
     const SectionNormTable table(WeldSectionNormParser::weldedNorms());
     ASSERT_EQ(table.entries().size(), 14);
     QStringList texts;
@@ -502,6 +501,35 @@ TEST(WeldedNormTable, ExamplesMatchTheirEntriesAndMatchingByHandAgreesWithTheExp
         EXPECT_EQ(parser.matchedType(), expectedEntry < 0 ? -1 : table.entries()[expectedEntry].sectionType);
         EXPECT_EQ(values, expected);
     }
+
+    // Sound sections hold, and every broken rule is listed in the entry's order.
+    const struct { const char* text; QStringList failed; } rules[] = {
+        {"H400*200*8*13", {}}, {"H400.5*200*8*13", {}}, {"B300*10*12", {}}, {"H(400~300)*200*8*10", {}},
+        {"WSR300*8", {}}, {"BS300", {}}, {"H400*200*8*13+H300*150*6*10", {}}, {"T400*200*10*12", {}},
+        {"H20*200*8*13", {"h>2*t2", "h>2*t1"}}, {"H20*200*8*13*5", {"h>2*t1"}}, {"H400*200*300*13", {"b>tw"}},
+        {"B300*200*160*10", {"b2>2*t1"}},      {"B300*10*160", {"b1>2*t2"}},  {"HD20*10", {"d>2*t"}},
+        {"WS16*8", {"D>2*t"}},                 {"T10*200*300*12", {"h>t2", "b>t1"}},
+        {"H(300~400)*200*8*10", {"h1>h2"}},    {"D400~500*300", {"R1>R2", "R1>2*t", "R2>2*t"}},
+        {"BB100*100*200*200*10*12", {"B1>b1", "B2>b2"}}, {"TY400*300*200*150*100", {"r1>2*t", "r2>2*t"}},
+        {"H300/400*200*8*10*12", {"h1>h2"}},
+        // Values compare as numbers: as texts "9" > "10", and 400.5 > 2*200.2 only with the decimals.
+        {"H400*9*10*13", {"b>tw"}}, {"H400.5*200*8*200.2", {}}, {"H400.3*200*8*200.2", {"h>2*t2", "h>2*t1"}},
+    };
+    for (const auto& row : rules) {
+        SCOPED_TRACE(row.text);
+        WeldSectionNormParser parser;
+        ASSERT_TRUE(parser.match(QString::fromLatin1(row.text)));
+        QStringList failed;
+        EXPECT_EQ(parser.checkRules(&failed), row.failed.isEmpty());
+        EXPECT_EQ(failed, row.failed);
+    }
+    // Nothing matched means no check.
+    WeldSectionNormParser parser;
+    QStringList failed;
+    EXPECT_FALSE(parser.checkRules(&failed));
+    EXPECT_FALSE(parser.match(QStringLiteral("I20a")));
+    EXPECT_FALSE(parser.checkRules(&failed));
+    EXPECT_TRUE(failed.isEmpty());
 }
 
 TEST(NormExpression, LiteralTokensMatchThemselvesNamesCaptureNumbersAndCatalogueNormsMatchTheirOwnTexts) {
@@ -557,36 +585,6 @@ TEST(NormExpression, LiteralTokensMatchThemselvesNamesCaptureNumbersAndCatalogue
         {HotRollingSectionNormParser::starSeparatedNorm("C", stCSection, {"h", "b"}, {"h>b", "h>"})});
     ASSERT_TRUE(broken.match(QStringLiteral("C200*70")));
     EXPECT_FALSE(broken.checkRules());
-}
-
-TEST(NormRules, SoundSectionsHoldAndEveryBrokenRuleIsListedInTheEntrysOrder) {
-    const struct { const char* text; QStringList failed; } rows[] = {
-        {"H400*200*8*13", {}}, {"H400.5*200*8*13", {}}, {"B300*10*12", {}}, {"H(400~300)*200*8*10", {}},
-        {"WSR300*8", {}}, {"BS300", {}}, {"H400*200*8*13+H300*150*6*10", {}}, {"T400*200*10*12", {}},
-        {"H20*200*8*13", {"h>2*t2", "h>2*t1"}}, {"H20*200*8*13*5", {"h>2*t1"}}, {"H400*200*300*13", {"b>tw"}},
-        {"B300*200*160*10", {"b2>2*t1"}},      {"B300*10*160", {"b1>2*t2"}},  {"HD20*10", {"d>2*t"}},
-        {"WS16*8", {"D>2*t"}},                 {"T10*200*300*12", {"h>t2", "b>t1"}},
-        {"H(300~400)*200*8*10", {"h1>h2"}},    {"D400~500*300", {"R1>R2", "R1>2*t", "R2>2*t"}},
-        {"BB100*100*200*200*10*12", {"B1>b1", "B2>b2"}}, {"TY400*300*200*150*100", {"r1>2*t", "r2>2*t"}},
-        {"H300/400*200*8*10*12", {"h1>h2"}},
-        // Values compare as numbers: as texts "9" > "10", and 400.5 > 2*200.2 only with the decimals.
-        {"H400*9*10*13", {"b>tw"}}, {"H400.5*200*8*200.2", {}}, {"H400.3*200*8*200.2", {"h>2*t2", "h>2*t1"}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        WeldSectionNormParser parser;
-        ASSERT_TRUE(parser.match(QString::fromLatin1(row.text)));
-        QStringList failed;
-        EXPECT_EQ(parser.checkRules(&failed), row.failed.isEmpty());
-        EXPECT_EQ(failed, row.failed);
-    }
-    // Nothing matched means no check.
-    WeldSectionNormParser parser;
-    QStringList failed;
-    EXPECT_FALSE(parser.checkRules(&failed));
-    EXPECT_FALSE(parser.match(QStringLiteral("I20a")));
-    EXPECT_FALSE(parser.checkRules(&failed));
-    EXPECT_TRUE(failed.isEmpty());
 }
 
 TEST(ScriptEvaluator, DeclaredNumbersReadBackExactlyRulesAreJudgedAndBrokenOrEndlessScriptsReported) {
