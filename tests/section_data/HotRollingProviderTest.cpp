@@ -686,12 +686,8 @@ TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroyingAndAFreshStartServ
 TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathAndRetries) {
     SKRSectionPolyDBManager::freeInstance();
     const QString path = m_dir.filePath("SKRSectionPolyDB.KDB");
-    try {
-        SKRSectionPolyDBManager::instance();
-        FAIL() << "no exception";
-    } catch (const VMPModelException& e) {
-        EXPECT_EQ(e.message(), QStringLiteral("[%1]文件不存在").arg(path));
-    }
+    EXPECT_EQ(QString::fromStdString(thrown<VMPModelException>([] { SKRSectionPolyDBManager::instance(); })),
+              QStringLiteral("[%1]文件不存在").arg(path));
     makeSectionDb(true);  // the failed call left no instance behind, so the file is tested again
     SKRSectionPolyDBManager* manager = SKRSectionPolyDBManager::instance();
     ASSERT_NE(manager->sectionPolyDB(), nullptr);

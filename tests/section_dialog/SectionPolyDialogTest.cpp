@@ -95,10 +95,9 @@ TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMarkOrSaysTheProjectIsBusy) 
     ASSERT_EQ(saved.count(), 1);
     const auto stored = m_user->findByName(L"Z270*80*8*3(ZDY)");
     ASSERT_TRUE(stored.first);
-    EXPECT_EQ(stored.second.sectionType, 9);
-    EXPECT_EQ(stored.second.weightMeter, 1234.5);
-    EXPECT_EQ(stored.second.area, 0.7);
-    EXPECT_EQ(stored.second.params.size(), 4u);
+    const SKRHotRollingSection& row = stored.second;
+    EXPECT_EQ(std::make_tuple(row.sectionType, row.weightMeter, row.area, row.params.size()),
+              std::make_tuple(9, 1234.5, 0.7, size_t{4}));
 
     // A project held by another writer is said busy, not taken for a name that exists.
     ndp::CDatabase* project = s_model->getProjectDB();
@@ -145,9 +144,8 @@ TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEdi
     EXPECT_TRUE(dialog.isEditMode());
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("编辑自定义截面"));
     const QList<QLineEdit*> shown = dialog.findChildren<QLineEdit*>();
-    EXPECT_EQ(shown[0]->text(), QStringLiteral("HW"));
-    EXPECT_EQ(shown[1]->text(), QStringLiteral("100*100"));
-    EXPECT_EQ(shown[2]->text(), QStringLiteral("17.2"));
+    const QStringList stored{"HW", "100*100", "17.2"};
+    for (int i = 0; i < stored.size(); ++i) EXPECT_EQ(shown[i]->text(), stored[i]) << i;
     EXPECT_FALSE(shown[0]->isEnabled());
     EXPECT_FALSE(shown[1]->isEnabled());
     bool noteFound = false;

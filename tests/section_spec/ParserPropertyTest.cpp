@@ -211,9 +211,7 @@ QString violation(const QString& text, const GSectionPolyInfo& info) {
 TEST(ParserProperty, GeneratedTextsKeepTheParserInvariants) {
     TextGenerator generator(kSeed);
     SKRSectionPolyInfoParser reused;  // has always parsed the previous text first
-    int failures = 0;
-    int longest = 0;
-    int nonEmptyTypes = 0;
+    int failures = 0, longest = 0, nonEmptyTypes = 0;
     for (int i = 0; i < kTextCount && failures < kMaxReportedFailures; ++i) {
         const QString text = generator.next();
         longest = std::max(longest, int(text.size()));
