@@ -321,6 +321,12 @@ protected:
 auto readInt = [](ndp::CDBRecord* r, int f) { return r->GetInt(f, -99); };
 auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
 
+// An object that counts its destructions, registered under a key of its own.
+struct Probe {
+    static inline int destroyed = 0;
+    virtual ~Probe() { ++destroyed; }
+};
+
 }  // namespace
 
 TEST_F(HotRollingProvider, FindsListsAndCachesSystemRowsWithParametersInFieldOrderAndKeepsUserSections) {
@@ -696,16 +702,6 @@ TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathA
     SKRSectionPolyDBManager::freeInstance();
     SKRSectionPolyDBManager::freeInstance();  // none left: nothing happens
 }
-
-namespace {
-
-struct Probe {
-    static int destroyed;
-    virtual ~Probe() { ++destroyed; }
-};
-int Probe::destroyed = 0;
-
-}  // namespace
 
 template <>
 struct skr::util::RegistryKey<Probe> {

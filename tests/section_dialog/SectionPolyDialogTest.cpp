@@ -65,7 +65,7 @@ void addSection(const wchar_t* name, int type, int sub, double weight = 0, doubl
 
 }  // namespace
 
-TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMarkOrSaysTheProjectIsBusy) {
+TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMarkSaysTheProjectIsBusyRefusesBadInputAndEdits) {
     SKRUserHotRollingSectionDialog dialog(9, 1);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("添加自定义截面"));
     const QList<QLineEdit*> fields = dialog.findChildren<QLineEdit*>();
@@ -116,17 +116,18 @@ TEST_F(UserSectionDialog, AddsTheTypedSectionWithItsMarkOrSaysTheProjectIsBusy) 
     EXPECT_TRUE(m_boxes[0].contains(project->GetPath())) << m_boxes[0].toStdString();
     other.Close();
     EXPECT_FALSE(m_user->findByName(L"Z250*75*20*2.5(ZDY)").first);
-}
 
-TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEditsOnlyTheFigures) {
+    // A size that makes no section and a name that exists are refused; edit mode changes only the
+    // figures. The messages are counted from here.
+    m_boxes.clear();
     SKRUserHotRollingSectionDialog bad(9, 1);
-    const QList<QLineEdit*> fields = fill(bad, {"Z", "270*80", "10"});  // two of four dimensions
+    const QList<QLineEdit*> badFields = fill(bad, {"Z", "270*80", "10"});  // two of four dimensions
     bad.okSlot();
     ASSERT_EQ(m_boxes.size(), 1);
     EXPECT_EQ(m_boxes[0], QStringLiteral("输入的“规格尺寸”有误，请查证。"));
     EXPECT_EQ(bad.result(), QDialog::Rejected);
-    EXPECT_EQ(fields[1]->text(), QStringLiteral("270*80"));  // left as typed
-    fields[1]->setText(QStringLiteral("270*80*8*0.1"));    // a wall below its range
+    EXPECT_EQ(badFields[1]->text(), QStringLiteral("270*80"));  // left as typed
+    badFields[1]->setText(QStringLiteral("270*80*8*0.1"));  // a wall below its range
     bad.okSlot();
     EXPECT_EQ(m_boxes.size(), 2);
 
@@ -140,22 +141,22 @@ TEST_F(UserSectionDialog, RefusesASizeThatMakesNoSectionAndANameThatExistsAndEdi
 
     // Edit mode shows the stored section and changes only its figures.
     addSection(L"HW100*100(ZDY)", 7, 9, 17.2, 0.574);
-    SKRUserHotRollingSectionDialog dialog(7, 9, QStringLiteral("HW100*100(ZDY)"));
-    EXPECT_TRUE(dialog.isEditMode());
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("编辑自定义截面"));
-    const QList<QLineEdit*> shown = dialog.findChildren<QLineEdit*>();
-    const QStringList stored{"HW", "100*100", "17.2"};
-    for (int i = 0; i < stored.size(); ++i) EXPECT_EQ(shown[i]->text(), stored[i]) << i;
+    SKRUserHotRollingSectionDialog editing(7, 9, QStringLiteral("HW100*100(ZDY)"));
+    EXPECT_TRUE(editing.isEditMode());
+    EXPECT_EQ(editing.windowTitle(), QStringLiteral("编辑自定义截面"));
+    const QList<QLineEdit*> shown = editing.findChildren<QLineEdit*>();
+    const QStringList storedTexts{"HW", "100*100", "17.2"};
+    for (int i = 0; i < storedTexts.size(); ++i) EXPECT_EQ(shown[i]->text(), storedTexts[i]) << i;
     EXPECT_FALSE(shown[0]->isEnabled());
     EXPECT_FALSE(shown[1]->isEnabled());
     bool noteFound = false;
-    for (QLabel* label : dialog.findChildren<QLabel*>())
+    for (QLabel* label : editing.findChildren<QLabel*>())
         noteFound |= label->text() == QStringLiteral("注:编辑自定义截面,无法修改截面代号和规格尺寸.");
     EXPECT_TRUE(noteFound);
     // 100*100 is two of the four dimensions of an H: the size check refuses it.
     int calls = 0;
-    dialog.setSectionModifyHandler([&calls](const SKRHotRollingSection&) { ++calls; });
-    dialog.okSlot();
+    editing.setSectionModifyHandler([&calls](const SKRHotRollingSection&) { ++calls; });
+    editing.okSlot();
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(m_boxes.size(), 4);
 

@@ -47,10 +47,7 @@ struct TextGenerator {
         const int mode = pick(1000);
         if (mode < 5) return QString();
         if (mode < 8) return veryLong();
-        QString text;
-        if (mode < 400) text = structured();
-        else if (mode < 800) text = mutate(oneOf(m_pools.corpus));
-        else text = soup();
+        QString text = mode < 400 ? structured() : mode < 800 ? mutate(oneOf(m_pools.corpus)) : soup();
         if (pick(8) == 0) text = text.toLower();
         if (pick(4) == 0) text = mutate(text);
         return text;
