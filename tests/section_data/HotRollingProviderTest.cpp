@@ -692,8 +692,8 @@ TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroyingAndAFreshStartServ
 TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathAndRetries) {
     SKRSectionPolyDBManager::freeInstance();
     const QString path = m_dir.filePath("SKRSectionPolyDB.KDB");
-    EXPECT_EQ(QString::fromStdString(thrown<VMPModelException>([] { SKRSectionPolyDBManager::instance(); })),
-              QStringLiteral("[%1]文件不存在").arg(path));
+    EXPECT_EQ(thrown<VMPModelException>([] { SKRSectionPolyDBManager::instance(); }),
+              QStringLiteral("[%1]文件不存在").arg(path).toStdString());
     makeSectionDb(true);  // the failed call left no instance behind, so the file is tested again
     SKRSectionPolyDBManager* manager = SKRSectionPolyDBManager::instance();
     ASSERT_NE(manager->sectionPolyDB(), nullptr);
@@ -824,8 +824,8 @@ TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentica
     ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read, &error)) << qPrintable(error);
     // Every field of a record but its outline, which is compared on its own.
     const auto fields = [](const SKRCustomPolyInfo& i) {
-        return std::make_tuple(i.id, i.description, i.insertPointX, i.insertPointY, i.horzSpace, i.vertSpace,
-                               i.vectorDrawingInfo);
+        return std::make_tuple(i.id, i.description.toStdString(), i.insertPointX, i.insertPointY,
+                               i.horzSpace.toStdString(), i.vertSpace.toStdString(), i.vectorDrawingInfo);
     };
     EXPECT_EQ(fields(got), fields(info));
     EXPECT_EQ(got.polygon, &read);
