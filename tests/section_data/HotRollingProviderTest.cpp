@@ -4,19 +4,34 @@
 // library reads them; and when things fail under them: a damaged row is an error naming the file
 // for every look-up that reaches it, a change to a project that cannot be written says so, a user
 // section saved just before the process is killed survives and an unsaved one is gone.
+// The object registry and its typed layer (keys, collisions, ownership); start-up and shut-down of
+// the section repository, its providers per table, and the scheme and parameter providers, on
+// databases made in a temporary data folder.
+// The custom polygon store on a real project file: IDs and type rows of new polygons, what
+// survives closing and reopening the project (flushed or not), updates, removals and refusals.
 #include "section_data/SKRDatabaseError.h"
 #include "section_data/SKRHotRollingSectionDBProvider.h"
+#include "section_data/SKRObjectRegistry.h"
 #include "section_data/SKRPerMetreLookup.h"
 #include "section_data/SKRProjectSchema.h"
+#include "section_data/SKRSectionDbOperation.h"
+#include "section_data/SKRSectionPolyDBManager.h"
+#include "section_data/SectionRepository.h"
+#include "section_data/SectionSchemeProvider.h"
 #include "section_spec/SKRSectionPolyInfoParser.h"
 
 #include "ndp/NDPDBRecord.h"
 #include "ndp/NDPDBTable.h"
 #include "ndp/NDPDatabase.h"
+#include "ndp/NDPPolygon.h"
+#include "vmp/VMPModelException.h"
+#include "vmp/VMPNDDBManager.h"
 #include "vmp/VMPProjectModel.h"
 
 #include "support/CatalogueTables.h"
 #include "support/DamagedDatabase.h"
+
+#include <gtest/gtest.h>
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -28,10 +43,17 @@
 #include <cstdio>
 #include <cwchar>
 #include <functional>
+#include <memory>
 #include <random>
 #include <stdexcept>
+#include <tuple>
 
 using namespace skr::section;
+using namespace skr::util;
+using ndp::CArc2d;
+using ndp::CLine2d;
+using ndp::CLoop;
+using ndp::CPolygon;
 using ndp::EnDBFieldKind;
 
 namespace {
@@ -41,14 +63,7 @@ using Params = std::vector<std::pair<std::wstring, double>>;
 const Params kUserParams{{L"h", 270}, {L"b", 80.25}};
 
 SKRHotRollingSection userSection(const std::wstring& name, int type, int sub, double weight = 12.5) {
-    SKRHotRollingSection section;
-    section.sectionType = type;
-    section.subId = sub;
-    section.standardName = name;
-    section.weightMeter = weight;
-    section.area = 0.5;
-    section.params = kUserParams;
-    return section;
+    return {type, sub, name, weight, 0.5, kUserParams};
 }
 
 int rowCount(ndp::CDBTable* table) {
@@ -69,6 +84,11 @@ void addRow(ndp::CDBTable* table, int type, int sub, const std::wstring& name, d
     for (size_t i = 0; i < params.size(); ++i) record->SetString(static_cast<int>(5 + i), params[i]);
     ASSERT_NE(table->AddRecord(record), ndp::kNullAddress);
     record->Release();
+}
+
+// Every field of a catalogue row, to compare rows whole.
+std::tuple<int, int, std::wstring, double, double, Params> fieldsOf(const SKRHotRollingSection& s) {
+    return {s.sectionType, s.subId, s.standardName, s.weightMeter, s.area, s.params};
 }
 
 // What the call threw as E, "nothing thrown" when it returned.
@@ -148,16 +168,173 @@ const int savedSectionChild = [] {
     return 0;
 }();
 
+void addParam(ndp::CDBTable* table, int polyId, int subClass, const wchar_t* code) {
+    ndp::CDBRecord* record = table->CreateRecord();
+    record->SetInt(table->FindField(L"PolyID"), polyId);
+    record->SetInt(table->FindField(L"SubClassID"), subClass);
+    record->SetString(table->FindField(L"ParamCode"), code);
+    record->SetString(table->FindField(L"ValidExpr"), L"(%1 >= 1) And ( %1 <=10000)");
+    table->AddRecord(record);
+    record->Release();
+}
+
+// A section database with the given tables, in a data folder that BXQ_DATA_DIR points at.
+class SectionRepositoryTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        skr::UninitBXQSteelRepository();
+        VMPNDDBManager::nddbMgr()->closeAll();
+        qputenv("BXQ_DATA_DIR", m_dir.path().toUtf8());
+        ASSERT_TRUE(m_project.open(m_dir.filePath("project.KDB")));
+    }
+    void TearDown() override {
+        delete FetchInstance<SectionRepository>();
+        skr::UninitBXQSteelRepository();
+        VMPNDDBManager::nddbMgr()->closeAll();
+        qunsetenv("BXQ_DATA_DIR");
+    }
+
+    void makeSectionDb(bool withScheme) {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(m_dir.filePath("SKRSectionPolyDB.KDB")));
+        db.CreateTable(L"SectionPolyInfor", bxqtest::systemCatalogueFields());
+        ndp::CDBTable* params = db.CreateTable(
+            L"SectionPolyParam",
+            {{L"PolyID", EnDBFieldKind::Int32, true}, {L"SubClassID", EnDBFieldKind::Int32},
+             {L"ParamID", EnDBFieldKind::Int32}, {L"ParamCode", EnDBFieldKind::Text},
+             {L"DataType", EnDBFieldKind::Int32}, {L"EditorPtX", EnDBFieldKind::Int32},
+             {L"EditorPtY", EnDBFieldKind::Int32}, {L"DefVal", EnDBFieldKind::Text},
+             {L"Unit", EnDBFieldKind::Text}, {L"ValidExpr", EnDBFieldKind::Text}, {L"InvalidMsg", EnDBFieldKind::Text}});
+        const std::tuple<int, int, const wchar_t*> rows[] = {{11, 1, L"h"}, {12, 1, L"h"}, {11, 2, L"b"}, {11, 1, L"tw"}};
+        for (const auto& [polyId, subClass, code] : rows) addParam(params, polyId, subClass, code);
+        if (withScheme) {
+            ndp::CDBTable* schemes = db.CreateTable(L"SectionPoly", {{L"PolyID", EnDBFieldKind::Int32, true},
+                                                                     {L"GroupID", EnDBFieldKind::Int32},
+                                                                     {L"PolyName", EnDBFieldKind::Text}});
+            ndp::CDBRecord* record = schemes->CreateRecord();
+            record->SetInt(0, 11);
+            record->SetInt(1, 2);
+            record->SetString(2, L"焊接H型钢");
+            schemes->AddRecord(record);
+            record->Release();
+        }
+        ASSERT_TRUE(db.Flush());
+    }
+
+    // Which providers are registered: catalogue, parameters, schemes, user sections.
+    static void expectProviders(bool catalogue, bool params, bool schemes, bool user) {
+        EXPECT_EQ(FetchInstance<SKRHotRollingSectionDBProvider>() != nullptr, catalogue);
+        EXPECT_EQ(FetchInstance<SectionParamProvider>() != nullptr, params);
+        EXPECT_EQ(FetchInstance<SectionSchemeProvider>() != nullptr, schemes);
+        EXPECT_EQ(FetchInstance<SKRUserHotRollingSectionDBProvider>() != nullptr, user);
+    }
+
+    QTemporaryDir m_dir;
+    VMPProjectModel m_project;
+};
+
+const char kCannotAccept[] = "cannot accept:DB is nullptr ;CustomPoly doesn't exist;CustomPolyType doesn't exist";
+
+// A plate with rounded ends and a bolt hole.
+CPolygon plate(double width) {
+    CPolygon polygon;
+    auto* outer = new CLoop;
+    outer->AddCurve(new CLine2d({0, 0}, {width, 0}), false);
+    outer->AddCurve(new CArc2d({width, 0}, {width, 30}, 15, 1), false);
+    outer->AddCurve(new CLine2d({width, 30}, {0, 30}), false);
+    outer->AddCurve(new CArc2d({0, 30}, {0, 0}, 20, 3), false);
+    polygon.AddLoop(outer, true);
+    auto* hole = new CLoop;
+    hole->AddCurve(new CArc2d({width / 3, 15}, 4.5, 0.0, 6.283185307179586), false);
+    polygon.AddLoop(hole, true);
+    return polygon;
+}
+
+QByteArray drawingBytes() {
+    QByteArray bytes;
+    for (int i = 0; i < 512; ++i) bytes.append(static_cast<char>(i % 256));
+    bytes.append(QByteArray(16, '\0'));
+    return bytes;
+}
+
+// What opening a store on the database threw, "nothing thrown" when it opened.
+std::string thrownBy(ndp::CDatabase* db) {
+    return thrown<std::invalid_argument>([db] { SKRSectionDbOperation store(db); });
+}
+
+class CustomPolyStoreTest : public ::testing::Test {
+protected:
+    void SetUp() override { reopen(); }
+
+    // Closes the project, discarding whatever was not flushed, and opens it again.
+    void reopen() {
+        m_store.reset();
+        m_project.reset();
+        m_project = std::make_unique<VMPProjectModel>();
+        ASSERT_TRUE(m_project->open(m_dir.filePath("project.KDB"))) << qPrintable(m_project->lastError());
+        m_store = std::make_unique<SKRSectionDbOperation>(db());
+    }
+
+    ndp::CDatabase* db() { return m_project->getProjectDB(); }
+    ndp::CDBTable* table(const wchar_t* name) { return db()->GetTable(name); }
+
+    SKRCustomPolyInfo added(CPolygon* polygon) {
+        SKRCustomPolyInfo info{0, {}, polygon, 12.5, -7.25, QStringLiteral("100"), QStringLiteral("50"), drawingBytes()};
+        EXPECT_TRUE(m_store->addCustomPoly(info));
+        return info;
+    }
+
+    // (ID, Description) of every "CustomPolyType" row, in table order.
+    std::vector<std::pair<int, std::wstring>> typeRows() {
+        std::vector<std::pair<int, std::wstring>> rows;
+        ndp::CDBTable* types = table(L"CustomPolyType");
+        ndp::CFileAddressList all;
+        types->ListAll(all);
+        for (int i = 0; i < all.GetCount(); ++i) {
+            ndp::CDBRecord* record = types->GetRecord(all.GetItem(i));
+            rows.emplace_back(record->GetInt(types->FindField(L"ID"), -99),
+                              record->GetString(types->FindField(L"Description")));
+            record->Release();
+        }
+        return rows;
+    }
+
+    int polyRowCount() { return rowCount(table(L"CustomPoly")); }
+
+    // A field of the "CustomPoly" row with that ID, read straight from the table.
+    template <typename Read>
+    auto polyField(int id, const wchar_t* field, Read read) {
+        ndp::CDBTable* polys = table(L"CustomPoly");
+        ndp::CFileAddress address = ndp::kNullAddress;
+        EXPECT_TRUE(polys->Find(polys->FindField(L"ID"), id, address));
+        ndp::CDBRecord* record = polys->GetRecord(address);
+        auto value = read(record, polys->FindField(field));
+        record->Release();
+        return value;
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<VMPProjectModel> m_project;
+    std::unique_ptr<SKRSectionDbOperation> m_store;
+};
+
+auto readInt = [](ndp::CDBRecord* r, int f) { return r->GetInt(f, -99); };
+auto readText = [](ndp::CDBRecord* r, int f) { return r->GetString(f); };
+
+// An object that counts its destructions, registered under a key of its own.
+struct Probe {
+    static inline int destroyed = 0;
+    virtual ~Probe() { ++destroyed; }
+};
+
 }  // namespace
 
-TEST_F(HotRollingProvider, FindsListsAndCachesKeyLookUpsOfSystemRowsWithParametersInFieldOrder) {
+TEST_F(HotRollingProvider, FindsListsAndCachesSystemRowsWithParametersInFieldOrderAndKeepsUserSections) {
     SKRHotRollingSectionDBProvider provider(m_system);
-    const SKRHotRollingLookup found = provider.findByName(L"I20a");
+    SKRHotRollingLookup found = provider.findByName(L"I20a");
     ASSERT_TRUE(found.first);
-    EXPECT_EQ(found.second.sectionType, 1);
-    EXPECT_EQ(found.second.weightMeter, 27.9);
-    EXPECT_EQ(found.second.area, 0.742);
-    EXPECT_EQ(found.second.params, (Params{{L"h", 200}, {L"b", 100}, {L"d", 7}, {L"t", 11.4}}));
+    EXPECT_EQ(fieldsOf(found.second),
+              fieldsOf({1, 1, L"I20a", 27.9, 0.742, {{L"h", 200}, {L"b", 100}, {L"d", 7}, {L"t", 11.4}}}));
     EXPECT_FALSE(provider.findByName(L"i20a").first);  // names are compared as they stand
 
     const auto beams = provider.listByType(1);
@@ -191,28 +368,22 @@ TEST_F(HotRollingProvider, FindsListsAndCachesKeyLookUpsOfSystemRowsWithParamete
     row->Release();
     EXPECT_EQ(thrown<std::invalid_argument>([&] { SKRHotRollingSectionDBProvider(noName).listByType(1); }),
               "Invalid Field Name!");
-}
 
-TEST_F(HotRollingProvider, UserSectionsAreAddedOnceUpdatedAndRemoved) {
+    // User sections are added once, updated and removed.
     SKRUserHotRollingSectionDBProvider user(m_user);
     const std::wstring name = L"Z270*80*8*3(ZDY)";
     ASSERT_TRUE(user.addSection(userSection(name, 9, 1)));
     EXPECT_FALSE(user.addSection(userSection(name, 9, 2)));
     EXPECT_EQ(rowCount(m_user), 1);
-    SKRHotRollingLookup found = user.findByName(name);
+    found = user.findByName(name);
     ASSERT_TRUE(found.first);
-    EXPECT_EQ(found.second.sectionType, 9);
-    EXPECT_EQ(found.second.params, kUserParams);  // stored as "h=270;b=80.25;", trailing separator and all
+    EXPECT_EQ(fieldsOf(found.second), fieldsOf(userSection(name, 9, 1)));  // "h=270;b=80.25;" read back whole
     EXPECT_EQ(user.findByKeys(9, 1).second.standardName, name);
 
-    SKRHotRollingSection changed = userSection(name, 1, 7, 99);
-    changed.area = 2;
-    changed.params.clear();
+    const SKRHotRollingSection changed{1, 7, name, 99, 2, {}};
     EXPECT_TRUE(user.updateSection(changed));
-    found = user.findByName(name);  // the new weight shows in the per-metre figures
-    EXPECT_EQ(found.second.area, 2);
-    EXPECT_EQ(found.second.sectionType, 9);  // keys and parameters stay
-    EXPECT_EQ(found.second.params, kUserParams);
+    // The new weight and area are stored; keys and parameters stay.
+    EXPECT_EQ(fieldsOf(user.findByName(name).second), fieldsOf({9, 1, name, 99, 2, kUserParams}));
     EXPECT_FALSE(user.updateSection(userSection(L"nobody", 1, 1)));
 
     EXPECT_FALSE(user.removeSection(9, 2));
@@ -361,7 +532,7 @@ TEST_F(HotRollingProvider, CatalogueNumbersReadAsTheCLibraryReadsThem) {
     }
 }
 
-TEST(ProviderFaults, EveryLookUpReachingADamagedRowFailsNamingTheFile) {
+TEST(ProviderFaults, LookUpsReachingADamagedRowAndChangesToAProjectThatCannotBeWrittenFailNamingTheFile) {
     QTemporaryDir dir;
     const QString path = dir.filePath("SKRSectionPolyDB.KDB");
     {
@@ -383,27 +554,25 @@ TEST(ProviderFaults, EveryLookUpReachingADamagedRowFailsNamingTheFile) {
                               {"listByType", [&] { provider.listByType(1); }},
                               {"listAll", [&] { provider.listAll(); }}},
                              path, "malformed");
-}
 
-TEST(ProviderFaults, AChangeToAProjectThatCannotBeWrittenSaysSo) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("project.KDB");
+    // A change to a project that cannot be written says so.
+    const QString project = dir.filePath("project.KDB");
     const SKRHotRollingSection section = userSection(kSaved, 9, 1);
     {
-        ndp::CDatabase db;
-        ASSERT_TRUE(db.Create(path));
-        SKRUserHotRollingSectionDBProvider provider(db.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields()));
-        ASSERT_TRUE(provider.addSection(section));
-        ASSERT_TRUE(db.Flush());
+        ndp::CDatabase created;
+        ASSERT_TRUE(created.Create(project));
+        SKRUserHotRollingSectionDBProvider user(created.CreateTable(L"CustomHotRolledSection", bxqtest::userCatalogueFields()));
+        ASSERT_TRUE(user.addSection(section));
+        ASSERT_TRUE(created.Flush());
     }
-    ndp::CDatabase db;
-    ASSERT_TRUE(db.Open(path, true));
-    SKRUserHotRollingSectionDBProvider provider(db.GetTable(L"CustomHotRolledSection"));
-    expectFailuresNamingFile({{"addSection", [&] { provider.addSection(userSection(kUnsaved, 9, 2)); }},
-                              {"updateSection", [&] { provider.updateSection(section); }},
-                              {"removeSection", [&] { provider.removeSection(9, 1); }}},
-                             path, "cannot write");
-    EXPECT_EQ(provider.listAll().size(), 1u);
+    ndp::CDatabase readOnly;
+    ASSERT_TRUE(readOnly.Open(project, true));
+    SKRUserHotRollingSectionDBProvider user(readOnly.GetTable(L"CustomHotRolledSection"));
+    expectFailuresNamingFile({{"addSection", [&] { user.addSection(userSection(kUnsaved, 9, 2)); }},
+                              {"updateSection", [&] { user.updateSection(section); }},
+                              {"removeSection", [&] { user.removeSection(9, 1); }}},
+                             project, "cannot write");
+    EXPECT_EQ(user.listAll().size(), 1u);
 }
 
 TEST(ProviderFaults, SavedSectionSurvivesTheProcessBeingKilledAndAnUnsavedOneIsGone) {
@@ -430,8 +599,266 @@ TEST(ProviderFaults, SavedSectionSurvivesTheProcessBeingKilledAndAnUnsavedOneIsG
     SKRUserHotRollingSectionDBProvider user(table);
     const SKRHotRollingLookup saved = user.findByName(kSaved);
     ASSERT_TRUE(saved.first);
-    EXPECT_EQ(saved.second.weightMeter, 12.5);
-    EXPECT_EQ(saved.second.params, kUserParams);
+    EXPECT_EQ(fieldsOf(saved.second), fieldsOf(userSection(kSaved, 9, 1)));
     EXPECT_FALSE(user.findByName(kUnsaved).first);
     EXPECT_EQ(rowCount(table), 1);
+}
+
+// Which providers start-up registers: one per table the section database has, and the user
+// one always; a second start-up changes none of them.
+struct StartUpCase { const char* name; bool database, schemes; };
+class SectionRepositoryStartUp : public SectionRepositoryTest, public ::testing::WithParamInterface<StartUpCase> {};
+
+TEST_P(SectionRepositoryStartUp, RegistersAProviderForEachTableThereIsOnce) {
+    const StartUpCase c = GetParam();
+    if (c.database) makeSectionDb(c.schemes);
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    ASSERT_NE(repository, nullptr);
+    EXPECT_EQ(repository->GetProjectDB(), m_project.getProjectDB());
+    const auto providers = [] {
+        return std::make_tuple(FetchInstance<SKRHotRollingSectionDBProvider>(), FetchInstance<SectionParamProvider>(),
+                               FetchInstance<SectionSchemeProvider>(), FetchInstance<SKRUserHotRollingSectionDBProvider>());
+    };
+    const auto first = providers();
+    expectProviders(c.database, c.database, c.schemes, true);
+    skr::InitBXQSteelRepository(&m_project);
+    EXPECT_EQ(FetchInstance<SectionRepository>(), repository);
+    EXPECT_EQ(providers(), first);
+}
+
+INSTANTIATE_TEST_SUITE_P(Databases, SectionRepositoryStartUp,
+                         ::testing::Values(StartUpCase{"Full", true, true}, StartUpCase{"WithoutSchemes", true, false},
+                                           StartUpCase{"Missing", false, false}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(SectionRepositoryTest, ShutDownForgetsWithoutDestroyingAndAFreshStartServesSchemesAndParameters) {
+    makeSectionDb(true);
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* repository = FetchInstance<SectionRepository>();
+    SKRUserHotRollingSectionDBProvider* user = FetchInstance<SKRUserHotRollingSectionDBProvider>();
+    SectionSchemeProvider* scheme = FetchInstance<SectionSchemeProvider>();
+    skr::UninitBXQSteelRepository();
+    EXPECT_EQ(FetchInstance<SectionRepository>(), nullptr);
+    expectProviders(false, false, false, false);
+    // Still alive (a destroyed object would be a use after free here, caught under ASan).
+    EXPECT_FALSE(user->findByName(L"none").first);
+    EXPECT_TRUE(scheme->findScheme(11).first);
+
+    // A second start-up makes fresh objects; the old ones are the caller's to delete.
+    skr::InitBXQSteelRepository(&m_project);
+    SectionRepository* fresh = FetchInstance<SectionRepository>();
+    EXPECT_NE(fresh, repository);
+    skr::util::UnRegisterInstance<SectionRepository>(false);
+    delete fresh;       // destroys and unregisters the fresh providers
+    delete repository;  // nothing of its own is registered any more
+    delete user;
+    delete scheme;
+
+    // Started again: scheme and parameter rows come in search order, and unregistering the section
+    // database keeps the user provider.
+    skr::InitBXQSteelRepository(&m_project);
+    const SectionParamProvider* params = FetchInstance<SectionParamProvider>();
+    const auto all = params->paramsOf(11);
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_EQ(all[0].paramCode, "h");
+    EXPECT_EQ(all[1].paramCode, "b");
+    EXPECT_EQ(all[2].paramCode, "tw");
+    EXPECT_EQ(all[0].validExpr, "(%1 >= 1) And ( %1 <=10000)");
+    const auto second = params->paramsOf(11, 2);
+    ASSERT_EQ(second.size(), 1u);
+    EXPECT_EQ(second[0].paramCode, "b");
+    EXPECT_TRUE(params->paramsOf(99).empty());
+
+    const SectionSchemeProvider* schemes = FetchInstance<SectionSchemeProvider>();
+    const auto welded = schemes->findScheme(11);
+    ASSERT_TRUE(welded.first);
+    EXPECT_EQ(welded.second.groupId, 2);
+    EXPECT_EQ(welded.second.polyName, QStringLiteral("焊接H型钢"));
+    EXPECT_FALSE(schemes->findScheme(12).first);
+    EXPECT_EQ(schemes->allSchemes().size(), 1u);
+
+    repository = FetchInstance<SectionRepository>();
+    repository->UnRegSectionPolyDB();
+    expectProviders(false, false, false, true);
+    repository->UnRegProjectDB();
+    EXPECT_EQ(repository->GetProjectDB(), nullptr);
+    expectProviders(false, false, false, false);
+    repository->RegAbnormalDB(m_project.getProjectDB());
+    repository->RegSectionPolyDB(nullptr);
+    expectProviders(false, false, false, false);
+}
+
+TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathAndRetries) {
+    SKRSectionPolyDBManager::freeInstance();
+    const QString path = m_dir.filePath("SKRSectionPolyDB.KDB");
+    EXPECT_EQ(thrown<VMPModelException>([] { SKRSectionPolyDBManager::instance(); }),
+              QStringLiteral("[%1]文件不存在").arg(path).toStdString());
+    makeSectionDb(true);  // the failed call left no instance behind, so the file is tested again
+    SKRSectionPolyDBManager* manager = SKRSectionPolyDBManager::instance();
+    ASSERT_NE(manager->sectionPolyDB(), nullptr);
+    EXPECT_EQ(SKRSectionPolyDBManager::instance(), manager);
+    EXPECT_NE(manager->sectionPolyDB()->GetTable(L"SectionPoly"), nullptr);
+    SKRSectionPolyDBManager::freeInstance();
+    SKRSectionPolyDBManager::freeInstance();  // none left: nothing happens
+}
+
+template <>
+struct skr::util::RegistryKey<Probe> {
+    static std::string name() { return "class test::Probe"; }
+};
+
+TEST(ObjectRegistry, KeyIsNameAndGroupConcatenatedTheFirstRegistrationStaysAndOnlyAskedDestroys) {
+    int first = 1, second = 2;
+    EXPECT_TRUE(RegisterObject("reg.ab", &first, "c"));
+    EXPECT_EQ(FetchObject("reg.ab", "c"), &first);
+    EXPECT_EQ(FetchObject("reg.ab", ""), nullptr);
+    EXPECT_FALSE(RegisterObject("reg.a", &second, "bc"));  // the same key
+    EXPECT_EQ(FetchObject("reg.a", "bc"), &first);
+    EXPECT_TRUE(UnRegisterObject("reg.a", "bc"));
+    EXPECT_EQ(FetchObject("reg.ab", "c"), nullptr);
+    EXPECT_FALSE(UnRegisterObject("reg.ab", "c"));
+    EXPECT_EQ(FetchObject("reg.never", ""), nullptr);
+
+    // A null object is stored and occupies its key.
+    ASSERT_TRUE(RegisterObject("reg.null", nullptr, ""));
+    EXPECT_FALSE(RegisterObject("reg.null", &first, ""));
+    EXPECT_EQ(FetchObject("reg.null", ""), nullptr);
+    EXPECT_TRUE(UnRegisterObject("reg.null", ""));
+
+    // The typed layer uses the literal key and destroys only when asked.
+    Probe::destroyed = 0;
+    auto* probe = new Probe;
+    ASSERT_TRUE(RegisterInstance(probe));
+    EXPECT_EQ(FetchObject("class test::Probe", ""), probe);
+    EXPECT_EQ(FetchInstance<Probe>(), probe);
+    EXPECT_FALSE(RegisterInstance(probe));
+    EXPECT_TRUE(UnRegisterInstance<Probe>(false));
+    EXPECT_EQ(FetchInstance<Probe>(), nullptr);
+    EXPECT_EQ(Probe::destroyed, 0);
+
+    ASSERT_TRUE(RegisterInstance(probe));
+    EXPECT_TRUE(UnRegisterInstance<Probe>(true));
+    EXPECT_EQ(Probe::destroyed, 1);
+    EXPECT_EQ(FetchInstance<Probe>(), nullptr);
+    // Nothing registered: nothing destroyed, and the unregistration reports the absence.
+    EXPECT_FALSE(UnRegisterInstance<Probe>(true));
+    EXPECT_EQ(Probe::destroyed, 1);
+}
+
+TEST_F(CustomPolyStoreTest, FirstPolygonsGetConsecutiveIdsAndATypeRowEachAndARemovalIsNotFlushed) {
+    CPolygon polygon = plate(80);
+    const SKRCustomPolyInfo first = added(&polygon);
+    EXPECT_EQ(first.id, 1);
+    EXPECT_EQ(first.description, QStringLiteral("自定义截面1"));
+    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}}));
+    EXPECT_EQ(polyField(1, L"CustomPolyTypeID", readInt), 1);
+    EXPECT_EQ(polyField(1, L"TypeName", readText), L"自定义截面类型");
+    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
+
+    const SKRCustomPolyInfo second = added(&polygon);
+    EXPECT_EQ(second.id, 2);
+    EXPECT_EQ(second.description, QStringLiteral("自定义截面2"));
+    EXPECT_EQ(typeRows(), (std::vector<std::pair<int, std::wstring>>{{1, L"自定义截面类型"}, {2, L"自定义截面类型"}}));
+    EXPECT_EQ(polyField(2, L"CustomPolyTypeID", readInt), 2);
+
+    // A removal holds for the session but is not flushed.
+    EXPECT_TRUE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(1));
+    EXPECT_FALSE(m_store->removeCustomPoly(9));
+
+    SKRCustomPolyInfo got;
+    CPolygon read;
+    QString error;
+    EXPECT_FALSE(m_store->readCustomPoly(1, got, read, &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_TRUE(m_store->readCustomPoly(2, got, read));
+    EXPECT_EQ(polyRowCount(), 1);
+
+    reopen();  // nothing flushed the removal
+    EXPECT_EQ(polyRowCount(), 2);
+    EXPECT_TRUE(m_store->readCustomPoly(1, got, read));
+    EXPECT_EQ(got.description, QStringLiteral("自定义截面1"));
+}
+
+TEST_F(CustomPolyStoreTest, NewIdsFollowTheIdOfTheLastRowNotTheRowCountAndTheStoreNeedsBothTables) {
+    ndp::CDBTable* polys = table(L"CustomPoly");
+    ndp::CDBRecord* record = polys->CreateRecord();
+    record->SetInt(polys->FindField(L"ID"), 41);
+    polys->AddRecord(record);
+    record->Release();
+    ndp::CDBTable* types = table(L"CustomPolyType");
+    record = types->CreateRecord();  // a type row without an ID counts as -1
+    types->AddRecord(record);
+    record->Release();
+
+    CPolygon polygon = plate(60);
+    const SKRCustomPolyInfo info = added(&polygon);
+    EXPECT_EQ(info.id, 42);
+    EXPECT_EQ(info.description, QStringLiteral("自定义截面42"));
+    EXPECT_EQ(typeRows().back().first, 0);
+    EXPECT_EQ(polyField(42, L"CustomPolyTypeID", readInt), 0);
+
+    // The store needs a database with both tables.
+    EXPECT_EQ(thrownBy(nullptr), kCannotAccept);
+    QTemporaryDir dir;
+    for (const wchar_t* only : {L"CustomPoly", L"CustomPolyType"}) {
+        ndp::CDatabase db;
+        ASSERT_TRUE(db.Create(dir.filePath(QString::fromWCharArray(only) + ".KDB")));
+        db.CreateTable(only, {{L"ID", EnDBFieldKind::Int32, true}});
+        EXPECT_EQ(thrownBy(&db), kCannotAccept) << only;
+    }
+    ndp::CDatabase both;
+    ASSERT_TRUE(both.Create(dir.filePath("both.KDB")));
+    ASSERT_TRUE(VMPProjectModel::createProjectTables(&both));
+    EXPECT_EQ(thrownBy(&both), "nothing thrown");
+}
+
+TEST_F(CustomPolyStoreTest, AddedAndUpdatedPolygonsAreFlushedAndReadBackIdentical) {
+    CPolygon polygon = plate(120.3);
+    SKRCustomPolyInfo info = added(&polygon);
+    reopen();
+    CPolygon read;
+    SKRCustomPolyInfo got;
+    QString error;
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read, &error)) << qPrintable(error);
+    // Every field of a record but its outline, which is compared on its own.
+    const auto fields = [](const SKRCustomPolyInfo& i) {
+        return std::make_tuple(i.id, i.description.toStdString(), i.insertPointX, i.insertPointY,
+                               i.horzSpace.toStdString(), i.vertSpace.toStdString(), i.vectorDrawingInfo);
+    };
+    EXPECT_EQ(fields(got), fields(info));
+    EXPECT_EQ(got.polygon, &read);
+    EXPECT_EQ(read, polygon);
+    EXPECT_EQ(read.ToBytes(), polygon.ToBytes());
+    // The reader without the drawing leaves it out.
+    SKRCustomPolyInfo plain;
+    plain.vectorDrawingInfo = QByteArray("stale");
+    CPolygon outline;
+    ASSERT_TRUE(m_store->readCustomPoly(info.id, plain, outline));
+    EXPECT_EQ(outline, polygon);
+    EXPECT_EQ(plain.polygon, &outline);
+    EXPECT_EQ(plain.horzSpace, QStringLiteral("100"));
+    EXPECT_TRUE(plain.vectorDrawingInfo.isEmpty());
+
+    // An update of an ID there is not changes nothing.
+    CPolygon changed = plate(95);
+    changed.GetLoop(1)->Reverse();
+    info = {info.id, QStringLiteral("底板"), &changed, 1.0 / 3, 2e-9, QStringLiteral("150"), QStringLiteral("75"),
+            QByteArray(3, '\0')};
+    for (int missing : {5, -1}) {
+        SKRCustomPolyInfo other = info;
+        other.id = missing;
+        EXPECT_FALSE(m_store->updateCustomPoly(other));
+    }
+    EXPECT_EQ(polyField(1, L"Description", readText), L"自定义截面1");
+    ASSERT_TRUE(m_store->updateCustomPoly(info));
+    reopen();  // without saving: the update flushed
+    ASSERT_TRUE(m_store->readCustomPolyWithDrawing(info.id, got, read));
+    EXPECT_EQ(fields(got), fields(info));
+    EXPECT_EQ(read, changed);
+    // Identity and type stay.
+    EXPECT_EQ(polyField(info.id, L"CustomPolyTypeID", readInt), 1);
+    EXPECT_EQ(polyField(info.id, L"TypeName", readText), L"自定义截面类型");
+    EXPECT_EQ(polyRowCount(), 1);
 }

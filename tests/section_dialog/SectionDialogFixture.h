@@ -55,10 +55,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(m_dialog.get()));
     }
 
-    template <typename T>
-    T* child(const QString& name) const {
-        return m_dialog->findChild<T*>(name);
-    }
+    template <typename T> T* child(const QString& name) const { return m_dialog->findChild<T*>(name); }
     QPushButton* button(const QString& text) const { return AnsweredBoxesTest::button(*m_dialog, text); }
     void click(const QString& buttonText) { QTest::mouseClick(button(buttonText), Qt::LeftButton); }
     QTableView* types() const { return child<QTableView>(QStringLiteral("polyView")); }

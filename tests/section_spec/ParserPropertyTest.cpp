@@ -47,10 +47,7 @@ struct TextGenerator {
         const int mode = pick(1000);
         if (mode < 5) return QString();
         if (mode < 8) return veryLong();
-        QString text;
-        if (mode < 400) text = structured();
-        else if (mode < 800) text = mutate(oneOf(m_pools.corpus));
-        else text = soup();
+        QString text = mode < 400 ? structured() : mode < 800 ? mutate(oneOf(m_pools.corpus)) : soup();
         if (pick(8) == 0) text = text.toLower();
         if (pick(4) == 0) text = mutate(text);
         return text;
@@ -211,9 +208,7 @@ QString violation(const QString& text, const GSectionPolyInfo& info) {
 TEST(ParserProperty, GeneratedTextsKeepTheParserInvariants) {
     TextGenerator generator(kSeed);
     SKRSectionPolyInfoParser reused;  // has always parsed the previous text first
-    int failures = 0;
-    int longest = 0;
-    int nonEmptyTypes = 0;
+    int failures = 0, longest = 0, nonEmptyTypes = 0;
     for (int i = 0; i < kTextCount && failures < kMaxReportedFailures; ++i) {
         const QString text = generator.next();
         longest = std::max(longest, int(text.size()));
