@@ -104,8 +104,6 @@ CPolygon samplePolygon() {
     return polygon;
 }
 
-}  // namespace
-
 TEST(LineLoops, AreaLengthBoxAndTurningSenseFollowTheSides) {
     // Lengths, closure and boxes of lines are also those of the slot below and the polygon's box.
     std::unique_ptr<CLoop> loop(rectangle(2, 3, 12, 8));
@@ -473,8 +471,6 @@ TEST(KernelExport, StepKeepsTheExactGeometry) {
 // coincide, by planes that meet an end's plane inside the section (a corner of the end), and by
 // planes the direct build leaves to the general split (a second corner on one end, along the
 // axis, across the far end).
-
-namespace {
 
 constexpr double kLength = 3000.0;
 

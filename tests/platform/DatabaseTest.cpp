@@ -87,8 +87,6 @@ protected:
     CFileAddress m_first = kNullAddress;
 };
 
-}  // namespace
-
 // Field order and kinds come back from the file. Catalogue rows carry both "B" and "b", "D" and
 // "d" as parameters, which SQLite's columns do not tell apart, nor its row-address column from
 // "KDB_ADDR".
@@ -383,8 +381,6 @@ TEST(DatabaseFaults, AWholeCreateLeavesNothingOnFailureAndKeepsAFileMadeMeanwhil
 // The undoable command log: each command is undone and redone exactly (added, changed and deleted
 // rows), nesting makes one command, a new command drops the redo, and a database that no longer
 // matches a command refuses it without changing anything.
-
-namespace {
 
 class CommandLog : public DatabaseTest {
 protected:

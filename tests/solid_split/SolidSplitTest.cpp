@@ -102,8 +102,6 @@ protected:
 class CuttingPlaneReading : public Project {};
 class SolidSplit : public Project {};
 
-}  // namespace
-
 // ---------------------------------------------------------------------------------------------
 // Reading the planes
 
@@ -208,8 +206,6 @@ TEST_F(CuttingPlaneReading, ShapesWithoutCuttersOrLengthGiveNoPlanes) {
 // ---------------------------------------------------------------------------------------------
 // Trimming one member
 
-namespace {
-
 constexpr double kWidth = 100, kDepth = 200, kLength = 6000;
 constexpr double kVolume = kWidth * kDepth * kLength;
 
@@ -255,8 +251,6 @@ CoordinateSystem3 tilted(double angle, double z) {
     return frame({0, 0, 0}, {1, 0, 0}, {0, std::cos(angle), std::sin(angle) * (z > 0 ? 1 : -1)},
                  {0, -std::sin(angle), z * std::cos(angle)});
 }
-
-}  // namespace
 
 TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
     const double angle = 20 * M_PI / 180;
@@ -338,8 +332,6 @@ TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
 // Trimming a whole model: members of equal section, length and cuts share one solid, each solid is
 // what ApplyCuttingPlanes gives the member alone.
 
-namespace {
-
 // A member along X from x0 at y = 1000, with a head plane at headZ tilted by degrees and a square
 // tail plane at tailZ before the end (none where the value is negative).
 class ModelTrimming : public Project {
@@ -352,8 +344,6 @@ protected:
         if (tailZ >= 0) addCut(id, true, {0, 0, -tailZ}, {0, 0, -1});
     }
 };
-
-}  // namespace
 
 TEST_F(ModelTrimming, EqualMembersShareOneSolidAndEverySolidIsTheMembersOwnTrim) {
     addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
@@ -410,8 +400,6 @@ TEST_F(ModelTrimming, ACancelledOrFailedTrimmingGivesNothingAndSaysWhy) {
 
 // ---------------------------------------------------------------------------------------------
 // The cutting-plane display
-
-namespace {
 
 using Manager = SKRSplitPlaneDisplayManager;
 
