@@ -127,7 +127,7 @@ TEST(LineLoops, AreaLengthBoxAndTurningSenseFollowTheSides) {
     EXPECT_EQ(flat.ClockSign(), 0);
 }
 
-TEST(ArcTypes, FourTypesBetweenTheSamePointsAreTheFourDistinctArcs) {
+TEST(ArcTypes, FourTypesAreTheFourDistinctArcsAndARadiusBelowHalfTheChordAHalfCircle) {
     // Chord from (0,0) to (10,0), radius 13: the centres lie 12 above or below the midpoint.
     const CPoint2d p(0, 0), q(10, 0);
     const double minor = 2 * std::atan2(5.0, 12.0);
@@ -157,15 +157,14 @@ TEST(ArcTypes, FourTypesBetweenTheSamePointsAreTheFourDistinctArcs) {
     }
     // A negative value is taken by its size.
     EXPECT_TRUE(CArc2d(p, q, -13.0, 1).IsEqual(CArc2d(p, q, 13.0, 1)));
-}
 
-TEST(ArcTypes, RadiusBelowHalfTheChordGivesAHalfCircleAndDegenerateInputsStayFinite) {
-    const CPoint2d p(0, 0), q(0, 10);
+    // A radius below half the chord gives a half circle, and degenerate inputs stay finite.
+    const CPoint2d up(0, 10);  // from p
     for (double value : {0.0, 1.0, 4.999, -3.0, std::numeric_limits<double>::quiet_NaN(),
                          std::numeric_limits<double>::infinity()}) {
         SCOPED_TRACE(value);
         for (int type = 1; type <= 4; ++type) {
-            const CArc2d arc(p, q, value, type);
+            const CArc2d arc(p, up, value, type);
             EXPECT_DOUBLE_EQ(arc.Radius(), 5.0);
             expectPoint(arc.Centre(), 0, 5);
             EXPECT_NEAR(std::fabs(arc.Sweep()), kPi, 1e-12);
@@ -186,7 +185,7 @@ TEST(ArcTypes, RadiusBelowHalfTheChordGivesAHalfCircleAndDegenerateInputsStayFin
     EXPECT_TRUE(std::isfinite(huge.SignedArea()));
 }
 
-TEST(ArcLoops, CirclesAndSlotsHaveTheirExactAreasLengthsAndBoxes) {
+TEST(ArcLoops, CirclesSlotsAndPolygonsWithHolesHaveTheirExactAreasLengthsAndBoxes) {
     // A full circle starts at its start angle; its area, length, box and closure are those of the
     // circle outlines (SectionOutlineTest, SectionPropertiesTest).
     expectPoint(CArc2d(CPoint2d(10, 20), 5.0, 0.0, 2 * kPi).StartPoint(), 15, 20, 0);
@@ -197,9 +196,8 @@ TEST(ArcLoops, CirclesAndSlotsHaveTheirExactAreasLengthsAndBoxes) {
     EXPECT_NEAR(loop->Length(), 80 + 2 * kPi * 6, 1e-9);
     expectPoint(loop->BoundingBox().Min(), -6, 0, 1e-9);
     expectPoint(loop->BoundingBox().Max(), 46, 12, 1e-9);
-}
 
-TEST(Polygons, AreaIsTheOuterLoopLessItsHolesWhateverTheirSense) {
+    // A polygon's area is its outer loop's less its holes', whatever their turning sense.
     CPolygon polygon;
     EXPECT_EQ(polygon.Area(), 0.0);
     polygon.AddLoop(rectangle(0, 0, 100, 50), true);
@@ -257,7 +255,7 @@ TEST(KernelPlane, UIsGlobalXProjectedUVNormalAreRightHandedAndPointsRoundTrip) {
     expectVector(p.GetPoint(0, 0), {10, 20, 30});
 }
 
-TEST(KernelPolygonFace, ArcsAreTrueCirclesAndTheAreaIsThePolygons) {
+TEST(KernelPolygonFace, ArcsAreTrueCirclesAndOpenEmptyOrFlatLoopsAreRefusedWithWhere) {
     // A slot (two half circles joined by lines) with a round hole and a square hole.
     CPolygon polygon;
     polygon.AddLoop(slot(300, 50, 50), true);
@@ -277,9 +275,8 @@ TEST(KernelPolygonFace, ArcsAreTrueCirclesAndTheAreaIsThePolygons) {
     const CBox3d bounds = face->BoundingBox();
     EXPECT_NEAR(bounds.min[0], -50, 1e-9);
     EXPECT_NEAR(bounds.max[0], 350, 1e-9);
-}
 
-TEST(KernelPolygonFace, OpenEmptyAndFlatLoopsAreRefusedWithWhere) {
+    // Open, empty and flat loops are refused, saying where.
     CPolygon empty, open, flat;
     open.AddLoop(segments({{{0, 0}, {10, 0}}, {{10, 0}, {10, 10}}, {{10, 10}, {0, 9}}, {{0, 10}, {0, 0}}}), true);
     flat.AddLoop(segments({{{0, 0}, {10, 0}}, {{10, 0}, {0, 0}}}), true);
@@ -320,7 +317,7 @@ TEST(KernelSplit, AUnifiedSideHasOneFacePerSurface) {
     EXPECT_TRUE(merged->IsValid());
 }
 
-TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
+TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHoleAndEachSideKeepsWhatLiesBeyondThePlane) {
     // A box tube 200 x 100 with 6 mm walls, cut at 45 degrees to its axis.
     CPolygon tube;
     tube.AddLoop(rectangle(0, 0, 100, 200), true);
@@ -352,12 +349,10 @@ TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHole) {
     EXPECT_TRUE(op.CutFace(plane({50, 100, 3000}, {0, 0, 1}), body.get(), none));
     EXPECT_EQ(none, nullptr);
     EXPECT_FALSE(op.CutFace(p, nullptr, none));
-}
 
-// Planes that cut the member, and planes with normal +Z through z0 that miss, touch, almost touch
-// or barely cut it: SplitPositiveBody keeps what lies on the normal's side, SplitNegativeBody the
-// rest (0: nothing), and the input body stays as it was and the caller's alone.
-TEST(KernelSplit, EachSideKeepsWhatLiesBeyondThePlane) {
+    // Planes that cut the member, and planes with normal +Z through z0 that miss, touch, almost touch
+    // or barely cut it: SplitPositiveBody keeps what lies on the normal's side, SplitNegativeBody the
+    // rest (0: nothing), and the input body stays as it was and the caller's alone.
     const double kBarely = 1e-3, e = g_DistEpsilon;
     // Normal (1, 2, 10) through (20, 10, 300): at the section's centroid (50, 30) it is at z = 293.
     const double zAtCentroid = 300 - (1 * 30 + 2 * 20) / 10.0;
@@ -380,22 +375,22 @@ TEST(KernelSplit, EachSideKeepsWhatLiesBeyondThePlane) {
         {"barely into the tail", at(1000 - kBarely), kSectionArea * kBarely, kSectionArea * (1000 - kBarely)},
         {"barely into the head", at(kBarely), kSectionArea * (1000 - kBarely), kSectionArea * kBarely},
     };
-    BodyPtr body = member();
+    BodyPtr box = member();
     for (const auto& c : cases) {
         CBooleanOperate op = operate();
         for (bool positiveSide : {true, false}) {
             SCOPED_TRACE(std::string(c.name) + (positiveSide ? ", positive side" : ", negative side"));
             const double expected = positiveSide ? c.positiveVolume : c.negativeVolume;
-            BodyPtr part(positiveSide ? op.SplitPositiveBody(c.plane, body.get()) : op.SplitNegativeBody(c.plane, body.get()));
+            BodyPtr part(positiveSide ? op.SplitPositiveBody(c.plane, box.get()) : op.SplitNegativeBody(c.plane, box.get()));
             EXPECT_TRUE(op.GetLastError().isEmpty()) << op.GetLastError().toStdString();
-            EXPECT_NEAR(body->Volume(), kMemberVolume, 1e-6);
-            EXPECT_EQ(body->GetRefCount(), 1);
+            EXPECT_NEAR(box->Volume(), kMemberVolume, 1e-6);
+            EXPECT_EQ(box->GetRefCount(), 1);
             if (expected == 0.0) {
                 EXPECT_FALSE(part) << "volume " << part->Volume();
                 continue;
             }
             ASSERT_TRUE(part);
-            EXPECT_NE(part.get(), body.get());
+            EXPECT_NE(part.get(), box.get());
             EXPECT_NEAR(part->Volume(), expected, 1e-6 * expected);
             EXPECT_TRUE(part->IsValid());
             EXPECT_EQ(part->SolidCount(), 1);
@@ -427,7 +422,7 @@ TEST(KernelSplit, NullAndFaceOnlyBodiesAreRefusedWithAReason) {
 // ---------------------------------------------------------------------------------------------
 // Tessellation and export
 
-TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesWithFaceNormals) {
+TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesAndStepKeepsTheExactGeometry) {
     BodyPtr box = member();
     CBodyMesh mesh;
     QString error;
@@ -448,15 +443,13 @@ TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesWithFaceNormals) {
         EXPECT_NEAR(Length(n), 1.0, 1e-9);
         EXPECT_GT(Dot(n, at(i) - centre), 0.0) << "vertex " << i;
     }
-}
 
-TEST(KernelExport, StepKeepsTheExactGeometry) {
+    // STEP export keeps the exact geometry.
     QTemporaryDir dir;
     CPolygon disc;
     disc.AddLoop(circle(0, 0, 20), true);
     const BodyPtr bar = extrude(disc, 100).plain;
     const QString path = dir.filePath(QStringLiteral("bar.step"));
-    QString error;
     ASSERT_TRUE(ExportBodyStep(bar.get(), path, &error)) << error.toStdString();
     STEPControl_Reader reader;
     ASSERT_EQ(reader.ReadFile(QFile::encodeName(path).constData()), IFSelect_RetDone);
@@ -597,7 +590,7 @@ const struct {
 
 }  // namespace
 
-TEST(PrismTrim, DirectTrimsEqualTheGeneralSplitPlaneAfterPlane) {
+TEST(PrismTrim, DirectTrimsEqualTheGeneralSplitAndTheirResultsSplitLikeItsOnes) {
     for (const auto& section : kSections) {
         const Extruded member = extrude(*section.make(), kLength);
         ASSERT_TRUE(member.prism && member.plain) << section.name;
@@ -623,11 +616,9 @@ TEST(PrismTrim, DirectTrimsEqualTheGeneralSplitPlaneAfterPlane) {
             EXPECT_TRUE(BRepCheck_Analyzer(CBodyOcct::Shape(*trimmed)).IsValid());
         }
     }
-}
 
-// A trimmed prism is an ordinary body to the general split: cutting it again gives what cutting
-// the general split's result gives.
-TEST(PrismTrim, DirectResultsSplitLikeGeneralOnes) {
+    // A trimmed prism is an ordinary body to the general split: cutting it again gives what cutting
+    // the general split's result gives.
     const Extruded member = extrude(*hSection(true), kLength);
     const Planes planes{end(600, 40, false), end(2400, -25, true, true)};
     CBooleanOperate op = operate();

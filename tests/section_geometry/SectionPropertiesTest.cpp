@@ -92,7 +92,7 @@ TEST(SectionProperties, HalfDiscHasItsCentroidAtFourRByThreePiAndASlotIsARectang
     EXPECT_NEAR(p.perimeter, 2 * L + 2 * kPi * r, 1e-12);
 }
 
-TEST(SectionProperties, ISectionAgreesWithItsPlatesWhereverItIs) {
+TEST(SectionProperties, ISectionAndVeryFlatArcsAgreeWithTheirPlatesAndSegmentsWhereverTheyAre) {
     const double h = 400, b = 200, tw = 8, t = 13;
     const double ix = (b * h * h * h - (b - tw) * std::pow(h - 2 * t, 3)) / 12;
     const double iy = (2 * t * b * b * b + (h - 2 * t) * tw * tw * tw) / 12;
@@ -106,9 +106,8 @@ TEST(SectionProperties, ISectionAgreesWithItsPlatesWhereverItIs) {
              {x + c - tw / 2, y + t}, {x, y + t}})}));
         expectProperties(p, {area, x + c, y + h / 2, ix, iy, 0}, 1e-10);
     }
-}
 
-TEST(SectionProperties, VeryFlatArcsKeepTheirSmallSegment) {
+    // Very flat arcs keep their small segment.
     // A 100 x 20 plate whose top edge is an arc of radius 1e7 (it rises 0.000125 mm): the segment
     // over the chord is nearly a parabolic one, area 4/3 w s and second moment 4/15 s w^3 about
     // the vertical axis, w the half chord and s the rise; the next terms are 1e-11 smaller.
@@ -136,7 +135,7 @@ TEST(SectionProperties, VeryFlatArcsKeepTheirSmallSegment) {
     }
 }
 
-TEST(SectionProperties, CircularSegmentsOfAnyOpeningHaveTheirClosedFormMoments) {
+TEST(SectionProperties, CircularSegmentsAndArcsOfEveryTypeHaveTheirClosedFormMoments) {
     // The segment of half-angle alpha over a horizontal chord, circle centred on the origin:
     // sector less the triangle at the centre. Openings on both sides of the flat-arc threshold
     // and a segment larger than a half disc. The expected figures are worked out in extended
@@ -159,9 +158,8 @@ TEST(SectionProperties, CircularSegmentsOfAnyOpeningHaveTheirClosedFormMoments) 
                              static_cast<double>(yy - area * yc * yc), static_cast<double>(xx), 0},
                          1e-11);
     }
-}
 
-TEST(SectionProperties, MajorArcsAndArcsOfEveryTypeAddUpToTheirCircle) {
+    // Major arcs and arcs of every type add up to their circle.
     // A circle of radius 10 about the origin split at two points into a minor and a major arc,
     // written with the four arc types in both directions: 1 and 3 counter-clockwise, 2 and 4 clockwise.
     const CPoint2d a{10, 0}, b{0, 10};
