@@ -30,7 +30,7 @@
 using namespace skr::geometry;
 using ndp::CPoint2d;
 
-TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
+TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAndSensesUnreadableOnesNameWhereAndTheCheckRefusesNonRegions) {
     const QString clockwiseSquare = QStringLiteral("0,0,0,0;0,100,0,0;100,100,0,0;100,0,0,0");
     const QString counterClockwiseHole = QStringLiteral("25,25,0,0;75,25,0,0;75,75,0,0;25,75,0,0");
     const struct {
@@ -74,9 +74,8 @@ TEST(SectionPolygonText, TextsGiveTheirLoopsCurvesAreaAndTurningSenses) {
             EXPECT_EQ(polygon->GetLoop(c.loops - 1)->ClockSign(), c.lastSign);
         }
     }
-}
 
-TEST(SectionPolygonText, CurvesHaveTheKindsAndPointsOfTheirRecords) {
+    // Curves have the kinds and points of their records.
     auto loopOf = [](const char* text) { return ParseSectionPolygon(QString::fromLatin1(text)); };
     const auto circle = loopOf("10,20,5,50;99,99,0,0");
     const auto* arc = dynamic_cast<const ndp::CArc2d*>(circle->GetLoop(0)->GetCurve(0));
@@ -93,12 +92,11 @@ TEST(SectionPolygonText, CurvesHaveTheKindsAndPointsOfTheirRecords) {
     const auto single = ParseLoop(QStringLiteral("5,5,0,0"), true);
     ASSERT_TRUE(single);
     EXPECT_EQ(single->GetCount(), 0);
-}
 
-// A text that reads gives an outline whose text is the same and whose loops draw the polygon the
-// text draws.
-TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndFieldAndReadOnesComeBackAsTheyWere) {
-    const struct { const char* text; const char* reason; } cases[] = {  // reason empty: read
+    // Unreadable texts name the loop, record and field, and read ones come back as they were.
+    // A text that reads gives an outline whose text is the same and whose loops draw the polygon the
+    // text draws.
+    const struct { const char* text; const char* reason; } texts[] = {  // reason empty: read
         {"0,0,0,0;10,0,0,0;10,10,0,0", ""}, {"5,5,5,50|||5,5,2,50", ""},
         {"0,0,0,0;20,0,0,0;20,10,5,1;10,10,0,0|||5,5,2,50", ""},
         {"0,0,0,0;10,0,0,0;10,10,0,0|||1,1,0,0;2,x,0,0", "loop 2, record 2: 'x' is not a number"},
@@ -107,7 +105,7 @@ TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndFieldAndReadOnesCome
         {"0,0,0;10,0,0,0", "loop 1, record 1: '' is no segment kind"},
         {"", "loop 1, the loop is empty"},
     };
-    for (const auto& c : cases) {
+    for (const auto& c : texts) {
         SCOPED_TRACE(c.text);
         SKROutline outline;
         QString error;
@@ -121,14 +119,13 @@ TEST(SectionPolygonText, UnreadableTextsNameTheLoopRecordAndFieldAndReadOnesCome
         ASSERT_EQ(fromLoops->GetLoopCount(), fromText->GetLoopCount());
         EXPECT_NEAR(fromLoops->Area(), fromText->Area(), 1e-12);
     }
-}
 
-TEST(OutlineCheck, RefusesEveryOutlineThatIsNotOneFiniteRegion) {
+    // The outline check refuses every outline that is not one finite region.
     const QString rectangle = QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0");
     const struct {
         QString text;
         const char* refusal;  // empty for a valid outline
-    } cases[] = {
+    } outlines[] = {
         {rectangle, ""},
         {rectangle + "|||50,25,10,50", ""},                                        // a round hole
         {rectangle + "|||10,10,0,0;30,10,0,0;30,30,0,0;10,30,0,0|||60,10,0,0;80,10,0,0;80,30,0,0", ""},
@@ -147,7 +144,7 @@ TEST(OutlineCheck, RefusesEveryOutlineThatIsNotOneFiniteRegion) {
         {rectangle + "|||10,5,0,0;60,5,0,0;60,45,0,0;10,45,0,0|||20,20,0,0;30,20,0,0;30,30,0,0",
          "hole (loop 3) of the outline lies inside hole (loop 2) near (20, 20)"},
     };
-    for (const auto& outline : cases) {
+    for (const auto& outline : outlines) {
         SCOPED_TRACE(outline.text.toStdString());
         const auto polygon = ParseSectionPolygon(outline.text);
         ASSERT_NE(polygon, nullptr);
@@ -293,7 +290,7 @@ SKRSectionProperties propertiesOf(int type, const Params& params) {
 }
 
 // Rolled and cold-formed shapes carry their arcs, welded plates none.
-TEST(SectionOutline, EveryTypeHasTheAreaPerimeterBoxAndArcsOfItsDimensions) {
+TEST(SectionOutline, EveryTypeHasItsAreaPerimeterBoxArcsSymmetryAndBendAndBadValuesAreRefused) {
     for (const OutlineCase& c : cases()) {
         SCOPED_TRACE(c.name);
         QString text, error;
@@ -313,9 +310,7 @@ TEST(SectionOutline, EveryTypeHasTheAreaPerimeterBoxAndArcsOfItsDimensions) {
         for (int i = 1; i < polygon->GetLoopCount(); ++i) EXPECT_EQ(polygon->GetLoop(i)->ClockSign(), -1);
         for (int i = 0; i < polygon->GetLoopCount(); ++i) EXPECT_TRUE(polygon->GetLoop(i)->IsClosed());
     }
-}
 
-TEST(SectionOutline, TheSectionIsSymmetricWhereItsShapeIs) {
     // An I-beam about both axes, a channel about its horizontal axis, an equal angle about its
     // diagonal (equal second moments), a Z about its centre (product of inertia not zero).
     auto p = propertiesOf(1, {{"h", 200}, {"b", 100}, {"d", 7}, {"t", 11.4}, {"r", 9}, {"r1", 4.5}});
@@ -332,9 +327,8 @@ TEST(SectionOutline, TheSectionIsSymmetricWhereItsShapeIs) {
     EXPECT_NEAR(p.centroid.x, (2 * 75 - 3) / 2.0, 1e-9);
     EXPECT_NEAR(p.centroid.y, 125, 1e-9);
     EXPECT_GT(std::abs(p.ixy), 1e5);
-}
 
-TEST(SectionOutline, TheColdFormedBendRadiusIsTheOneTheAreaNeeds) {
+    // The cold-formed bend radius is the one the area needs.
     const double area = propertiesOf(8, {{"h", 60}, {"b", 30}, {"c", 10}, {"t", 3}, {"r", 5.2}}).area;
     double radius = 0;
     ASSERT_TRUE(coldFormedBendRadius(60, 30, 10, 3, area, &radius));
@@ -350,9 +344,8 @@ TEST(SectionOutline, TheColdFormedBendRadiusIsTheOneTheAreaNeeds) {
     // A weight that would need an unusual bend keeps the usual one.
     EXPECT_FALSE(catalogueOutlineParams(8, row, 1.05 * area * kSteelKgPerMetrePerMm2).contains("r"));
     EXPECT_FALSE(catalogueOutlineParams(1, {{"h", 200}, {"r", 9}, {"D", 0}}, 27.9).contains("D"));
-}
 
-TEST(SectionOutline, ValuesThatMakeNoSectionOrRadiiThatDoNotFitAreRefusedWithAReason) {
+    // Values that make no section, or radii that do not fit, are refused with a reason.
     const struct {
         int type;
         Params params;
@@ -435,7 +428,7 @@ TEST(OutlineFillet, ConcaveCornersGainWhatConvexCornersLose) {
     EXPECT_EQ(arcKinds, (QVector<int>{1, 2}));
 }
 
-TEST(OutlineFillet, CornersOfAnyAngleAreCutBackByRTanHalfTheTurn) {
+TEST(OutlineFillet, CornersOfAnyAngleAreCutBackByRTanHalfTheTurnAndRadiiThatDoNotFitAreRefused) {
     // An equilateral triangle turns through 120 degrees at each corner.
     const double s = 100, r = 10, turn = 2 * M_PI / 3;
     const auto polygon = rounded({{0, 0, r}, {s, 0, r}, {s / 2, s * std::sqrt(3) / 2, r}});
@@ -448,9 +441,8 @@ TEST(OutlineFillet, CornersOfAnyAngleAreCutBackByRTanHalfTheTurn) {
     ASSERT_TRUE(straight);
     EXPECT_EQ(count(*straight->GetLoop(0), ndp::EnCurveType::Arc), 0);
     EXPECT_NEAR(straight->Area(), 2000, 1e-9);
-}
 
-TEST(OutlineFillet, RadiiThatDoNotFitAreRefusedNamingTheCorners) {
+    // Radii that do not fit are refused naming the corners.
     QVector<SKROutlineVertex> loop{{1, 2, 0, 0}};
     const QVector<SKROutlineVertex> before = loop;
     QString error;
@@ -524,7 +516,7 @@ struct ExactCase {
     double area, ix, iy, wx, wy, zx, zy;
 };
 
-TEST(SectionFigures, ElasticAndPlasticModuliAreExact) {
+TEST(SectionFigures, ElasticAndPlasticModuliAreExactAndAnEqualAngleIsTurnedFortyFiveDegrees) {
     const double r = 50, ro = 60, ri = 50, cI = kPi * std::pow(r, 4) / 4;
     const double ringI = kPi * (std::pow(ro, 4) - std::pow(ri, 4)) / 4;
     const double ringZ = 4 * (std::pow(ro, 3) - std::pow(ri, 3)) / 3;
@@ -558,9 +550,8 @@ TEST(SectionFigures, ElasticAndPlasticModuliAreExact) {
         expectRelative(f.zy, c.zy, 1e-10, "Zy");
         expectRelative(f.massPerMetre, 0.00785 * c.area, 1e-12, "mass");
     }
-}
 
-TEST(SectionFigures, PrincipalAxesOfAnEqualAngleLieAtFortyFiveDegrees) {
+    // The principal axes of an equal angle lie at forty-five degrees.
     const skr::geometry::SKRExactFigures f =
         figuresOf(polygonText({{0, 0}, {100, 0}, {100, 10}, {10, 10}, {10, 100}, {0, 100}})).exact;
     EXPECT_NEAR(f.alpha, 45.0, 1e-9);
@@ -674,7 +665,7 @@ TEST(SectionFigures, MonosymmetryOfAnIWithUnequalFlanges) {
     EXPECT_NEAR(f.warping.betaY, 0.0, 1e-4 * h) << "symmetric about y";
 }
 
-TEST(SectionFigures, ShearAreaOfARectangleWithoutPoissonIsFiveSixths) {
+TEST(SectionFigures, ShearAreaOfARectangleIsFiveSixthsAndBadOutlinesAreRefusedWithTheReason) {
     const std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::ParseSectionPolygon(rectangleText(60, 20));
     skr::geometry::SKRSectionMesh mesh;
     ASSERT_TRUE(skr::geometry::MeshSection(*polygon, 2.0, mesh));
@@ -684,9 +675,8 @@ TEST(SectionFigures, ShearAreaOfARectangleWithoutPoissonIsFiveSixths) {
     expectRelative(area, 1200, 1e-9, "mesh area");
     expectRelative(w.asx, 1200 * 5.0 / 6, 0.005, "Asx");
     expectRelative(w.asy, 1200 * 5.0 / 6, 0.005, "Asy");
-}
 
-TEST(SectionFigures, BadOutlinesAreRefusedWithTheReason) {
+    // Bad outlines are refused with the reason.
     SKRSectionFigures f;
     QString error;
     EXPECT_FALSE(SectionFigures(QString(), f, &error));
