@@ -516,7 +516,7 @@ struct ExactCase {
     double area, ix, iy, wx, wy, zx, zy;
 };
 
-TEST(SectionFigures, ElasticAndPlasticModuliAreExactAndAnEqualAngleIsTurnedFortyFiveDegrees) {
+TEST(SectionFigures, ModuliAreExactAnEqualAngleTurnsFortyFiveDegreesAndChannelAndIWarpingMatchThinWalledTheory) {
     const double r = 50, ro = 60, ri = 50, cI = kPi * std::pow(r, 4) / 4;
     const double ringI = kPi * (std::pow(ro, 4) - std::pow(ri, 4)) / 4;
     const double ringZ = 4 * (std::pow(ro, 3) - std::pow(ri, 3)) / 3;
@@ -562,34 +562,7 @@ TEST(SectionFigures, ElasticAndPlasticModuliAreExactAndAnEqualAngleIsTurnedForty
     // Axis 1 runs along the symmetry line; the farthest fibres from it are the leg ends' outer
     // corners, 100 / sqrt(2) away.
     expectRelative(f.w1, f.i1 / (100 / std::sqrt(2.0)), 1e-12, "W1");
-}
 
-// The torsion constant of a b x t rectangle by its series (Timoshenko).
-double rectangleTorsion(double b, double t) {
-    double sum = 0;
-    for (int n = 1; n < 200; n += 2) sum += std::tanh(n * kPi * b / (2 * t)) / std::pow(n, 5);
-    return b * std::pow(t, 3) / 3 * (1 - 192 / std::pow(kPi, 5) * t / b * sum);
-}
-
-TEST(SectionFigures, TorsionOfRectanglesCirclesAndThinTubesMatchesTheElasticitySolution) {
-    for (double ratio : {1.0, 2.0, 4.0, 10.0}) {
-        SCOPED_TRACE(ratio);
-        const SKRSectionFigures f = figuresOf(rectangleText(10 * ratio, 10));
-        expectRelative(f.warping.j, rectangleTorsion(10 * ratio, 10), 0.005, "J");
-        EXPECT_NEAR(f.warping.xs, 0.0, 1e-6 * ratio * 10) << "shear centre at the centroid";
-        EXPECT_NEAR(f.warping.ys, 0.0, 1e-6 * ratio * 10) << "shear centre at the centroid";
-        EXPECT_TRUE(f.warping.converged);
-    }
-    const double r = 20;
-    const SKRSectionFigures circle = figuresOf(circleText(r));
-    expectRelative(circle.warping.j, kPi * std::pow(r, 4) / 2, 0.005, "J of a circle");
-    EXPECT_NEAR(circle.warping.iw, 0.0, 1e-6 * circle.warping.j * r * r) << "a circle does not warp";
-    // A thin tube follows Bredt.
-    const double t = 2, rm = 50 - t / 2, enclosed = kPi * rm * rm;
-    expectRelative(figuresOf(ringText(50, t)).warping.j, 4 * enclosed * enclosed * t / (2 * kPi * rm), 0.01, "J");
-}
-
-TEST(SectionFigures, ChannelShearCentreAndIWarpingMatchThinWalledTheory) {
     // Channel: the shear centre lies e = 3 b^2 / (6 b + h) behind the web's mid-line (centre-line
     // dimensions b and h, one thickness throughout).
     const double h = 200, b = 75, t = 3;
@@ -612,10 +585,17 @@ TEST(SectionFigures, ChannelShearCentreAndIWarpingMatchThinWalledTheory) {
     EXPECT_NEAR(i.warping.betaX, 0.0, 1e-4 * 400) << "no monosymmetry in a symmetric I";
 }
 
+// The torsion constant of a b x t rectangle by its series (Timoshenko).
+double rectangleTorsion(double b, double t) {
+    double sum = 0;
+    for (int n = 1; n < 200; n += 2) sum += std::tanh(n * kPi * b / (2 * t)) / std::pow(n, 5);
+    return b * std::pow(t, 3) / 3 * (1 - 192 / std::pow(kPi, 5) * t / b * sum);
+}
+
 // Rolled I flanges slope 1:6, thick at the root and thin at the toe: a warping constant from
 // an even flange of the mean thickness (as tables figure it) is some 20 % high. Thin-walled
 // theory along the sloped mid-line of the flanges, with their varying thickness, gives it.
-TEST(SectionFigures, WarpingOfASlopedFlangeIFollowsItsMidLine) {
+TEST(SectionFigures, WarpingOfASlopedIFollowsItsMidLineShearAreasAreFiveSixthsAndBadOutlinesAreRefused) {
     const double h = 200, b = 100, d = 7, t = 11.4;  // I20a without its radii
     const double rise = (b - d) / 2 / 6 / 2;
     const double tip = t - rise, root = t + rise, l = (b - d) / 2;
@@ -638,12 +618,32 @@ TEST(SectionFigures, WarpingOfASlopedFlangeIFollowsItsMidLine) {
     expectRelative(i.warping.iw, thinWalled, 0.02, "Iw of a sloped-flange I");
     const double even = t * b * b * b / 12 * (h - t) * (h - t) / 2;
     EXPECT_LT(i.warping.iw, 0.85 * even) << "an even flange of the mean thickness overstates it";
+
+    // The shear area of a rectangle without Poisson's effect is five sixths of it.
+    const std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::ParseSectionPolygon(rectangleText(60, 20));
+    skr::geometry::SKRSectionMesh mesh;
+    ASSERT_TRUE(skr::geometry::MeshSection(*polygon, 2.0, mesh));
+    skr::geometry::SKRWarpingFigures w;
+    double area = 0;
+    ASSERT_TRUE(skr::geometry::SolveWarping(mesh, 0.0, w, nullptr, &area));
+    expectRelative(area, 1200, 1e-9, "mesh area");
+    expectRelative(w.asx, 1200 * 5.0 / 6, 0.005, "Asx");
+    expectRelative(w.asy, 1200 * 5.0 / 6, 0.005, "Asy");
+
+    // Bad outlines are refused with the reason.
+    SKRSectionFigures f;
+    QString error;
+    EXPECT_FALSE(SectionFigures(QString(), f, &error));
+    EXPECT_FALSE(error.isEmpty());
+    error.clear();
+    EXPECT_FALSE(SectionFigures(polygonText({{0, 0}, {10, 10}, {10, 0}, {0, 10}}), f, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("crosses itself"))) << error.toStdString();
 }
 
 // Monosymmetry of an I with unequal flanges: beta_x = (1/Ix) integral of y (x^2 + y^2) dA - 2 ys,
 // the integral exact over the three plates, the shear centre where thin-walled theory puts it
 // (between the flanges' mid-lines in the ratio of their second moments).
-TEST(SectionFigures, MonosymmetryOfAnIWithUnequalFlanges) {
+TEST(SectionFigures, MonosymmetryOfAnUnequalIAndTorsionOfRectanglesCirclesAndTubes) {
     const double h = 400, b1 = 250, t1 = 16, b2 = 150, t2 = 12, tw = 8;  // wide flange on top
     const double l1 = (b1 - tw) / 2, l2 = (b2 - tw) / 2, o2 = (b1 - b2) / 2;
     const SKRSectionFigures f = figuresOf(polygonText({{o2, 0}, {o2 + b2, 0}, {o2 + b2, t2}, {o2 + l2 + tw, t2},
@@ -663,27 +663,23 @@ TEST(SectionFigures, MonosymmetryOfAnIWithUnequalFlanges) {
     EXPECT_NEAR(f.warping.ys, ys, 0.01 * hf) << "shear centre";
     expectRelative(f.warping.betaX, cubic / f.exact.ix - 2 * ys, 0.02, "beta_x");
     EXPECT_NEAR(f.warping.betaY, 0.0, 1e-4 * h) << "symmetric about y";
-}
 
-TEST(SectionFigures, ShearAreaOfARectangleIsFiveSixthsAndBadOutlinesAreRefusedWithTheReason) {
-    const std::unique_ptr<ndp::CPolygon> polygon = skr::geometry::ParseSectionPolygon(rectangleText(60, 20));
-    skr::geometry::SKRSectionMesh mesh;
-    ASSERT_TRUE(skr::geometry::MeshSection(*polygon, 2.0, mesh));
-    skr::geometry::SKRWarpingFigures w;
-    double area = 0;
-    ASSERT_TRUE(skr::geometry::SolveWarping(mesh, 0.0, w, nullptr, &area));
-    expectRelative(area, 1200, 1e-9, "mesh area");
-    expectRelative(w.asx, 1200 * 5.0 / 6, 0.005, "Asx");
-    expectRelative(w.asy, 1200 * 5.0 / 6, 0.005, "Asy");
-
-    // Bad outlines are refused with the reason.
-    SKRSectionFigures f;
-    QString error;
-    EXPECT_FALSE(SectionFigures(QString(), f, &error));
-    EXPECT_FALSE(error.isEmpty());
-    error.clear();
-    EXPECT_FALSE(SectionFigures(polygonText({{0, 0}, {10, 10}, {10, 0}, {0, 10}}), f, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("crosses itself"))) << error.toStdString();
+    // Torsion of rectangles, circles and thin tubes matches the elasticity solution.
+    for (double ratio : {1.0, 2.0, 4.0, 10.0}) {
+        SCOPED_TRACE(ratio);
+        const SKRSectionFigures f = figuresOf(rectangleText(10 * ratio, 10));
+        expectRelative(f.warping.j, rectangleTorsion(10 * ratio, 10), 0.005, "J");
+        EXPECT_NEAR(f.warping.xs, 0.0, 1e-6 * ratio * 10) << "shear centre at the centroid";
+        EXPECT_NEAR(f.warping.ys, 0.0, 1e-6 * ratio * 10) << "shear centre at the centroid";
+        EXPECT_TRUE(f.warping.converged);
+    }
+    const double r = 20;
+    const SKRSectionFigures circle = figuresOf(circleText(r));
+    expectRelative(circle.warping.j, kPi * std::pow(r, 4) / 2, 0.005, "J of a circle");
+    EXPECT_NEAR(circle.warping.iw, 0.0, 1e-6 * circle.warping.j * r * r) << "a circle does not warp";
+    // A thin tube follows Bredt.
+    const double t = 2, rm = 50 - t / 2, enclosed = kPi * rm * rm;
+    expectRelative(figuresOf(ringText(50, t)).warping.j, 4 * enclosed * enclosed * t / (2 * kPi * rm), 0.01, "J");
 }
 
 }  // namespace
