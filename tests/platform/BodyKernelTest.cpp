@@ -104,7 +104,7 @@ CPolygon samplePolygon() {
     return polygon;
 }
 
-TEST(LineLoops, AreaLengthBoxAndTurningSenseFollowTheSides) {
+TEST(LineLoops, LinesArcsLoopsAndPolygonsHaveTheirAreasLengthsBoxesAndTurningSenses) {
     // Lengths, closure and boxes of lines are also those of the slot below and the polygon's box.
     std::unique_ptr<CLoop> loop(rectangle(2, 3, 12, 8));
     EXPECT_DOUBLE_EQ(loop->SignedArea(), 50.0);
@@ -125,9 +125,8 @@ TEST(LineLoops, AreaLengthBoxAndTurningSenseFollowTheSides) {
     flat.AddCurve(new CLine2d({0, 0}, {10, 10}), false);
     flat.AddCurve(new CLine2d({10, 10}, {0, 0}), false);
     EXPECT_EQ(flat.ClockSign(), 0);
-}
 
-TEST(ArcTypes, FourTypesAreTheFourDistinctArcsAndARadiusBelowHalfTheChordAHalfCircle) {
+    // The four arc types between the same points are the four distinct arcs.
     // Chord from (0,0) to (10,0), radius 13: the centres lie 12 above or below the midpoint.
     const CPoint2d p(0, 0), q(10, 0);
     const double minor = 2 * std::atan2(5.0, 12.0);
@@ -183,14 +182,12 @@ TEST(ArcTypes, FourTypesAreTheFourDistinctArcsAndARadiusBelowHalfTheChordAHalfCi
     EXPECT_NEAR(huge.Length(), 1.0, 1e-12);
     expectPoint(huge.PointAt(0.5), 0.5, 0.0);
     EXPECT_TRUE(std::isfinite(huge.SignedArea()));
-}
 
-TEST(ArcLoops, CirclesSlotsAndPolygonsWithHolesHaveTheirExactAreasLengthsAndBoxes) {
     // A full circle starts at its start angle; its area, length, box and closure are those of the
     // circle outlines (SectionOutlineTest, SectionPropertiesTest).
     expectPoint(CArc2d(CPoint2d(10, 20), 5.0, 0.0, 2 * kPi).StartPoint(), 15, 20, 0);
 
-    std::unique_ptr<CLoop> loop(slot(40, 6, 6));
+    loop.reset(slot(40, 6, 6));
     EXPECT_TRUE(loop->IsClosed());
     EXPECT_NEAR(loop->SignedArea(), 40 * 12 + kPi * 36, 1e-9);
     EXPECT_NEAR(loop->Length(), 80 + 2 * kPi * 6, 1e-9);
@@ -215,25 +212,24 @@ TEST(ArcLoops, CirclesSlotsAndPolygonsWithHolesHaveTheirExactAreasLengthsAndBoxe
     EXPECT_NEAR(polygon.Area(), 5000 - kPi * 100 - 100, 1e-9);
 }
 
-// Truncated bytes are refused and leave the target alone.
-TEST(PolygonBytes, PolygonReadBackIsIdenticalArcsIncludedAndTruncatedBytesAreRefused) {
-    const CPolygon polygon = samplePolygon();
-    const QByteArray bytes = polygon.ToBytes();
+// A polygon read back is identical, arcs included; truncated bytes are refused and leave the target alone.
+TEST(PolygonsAndPlanes, BytesReadBackExactlyPlanePointsRoundTripAndFacesKeepTheirArcsOrAreRefused) {
+    const CPolygon sample = samplePolygon();
+    const QByteArray bytes = sample.ToBytes();
     CPolygon read;
     QString error;
     ASSERT_TRUE(CPolygon::FromBytes(bytes, read, &error)) << qPrintable(error);
-    EXPECT_EQ(read, polygon);  // every curve, arcs with their centres, radii and angles
+    EXPECT_EQ(read, sample);  // every curve, arcs with their centres, radii and angles
     EXPECT_EQ(read.ToBytes(), bytes);  // every double bit for bit
     for (int size = 0; size < bytes.size(); ++size) {
-        CPolygon target = polygon;
+        CPolygon target = sample;
         error.clear();
         EXPECT_FALSE(CPolygon::FromBytes(bytes.left(size), target, &error)) << size;
         EXPECT_FALSE(error.isEmpty()) << size;
-        EXPECT_EQ(target, polygon) << size;
+        EXPECT_EQ(target, sample) << size;
     }
-}
 
-TEST(KernelPlane, UIsGlobalXProjectedUVNormalAreRightHandedAndPointsRoundTrip) {
+    // A plane's U is global X projected; U, V and the normal are right-handed, and points round-trip.
     const CVector3 normal{0.3, -0.5, 0.8};
     const CPlane p = plane({10, 20, 30}, normal);
     const CVector3 n = Normalized(normal);
@@ -253,16 +249,14 @@ TEST(KernelPlane, UIsGlobalXProjectedUVNormalAreRightHandedAndPointsRoundTrip) {
     EXPECT_NEAR(u, 17.5, 1e-12);
     EXPECT_NEAR(v, -3.25, 1e-12);
     expectVector(p.GetPoint(0, 0), {10, 20, 30});
-}
 
-TEST(KernelPolygonFace, ArcsAreTrueCirclesAndOpenEmptyOrFlatLoopsAreRefusedWithWhere) {
+    // A polygon with arcs as a face: arcs are true circles and the area is the polygon's.
     // A slot (two half circles joined by lines) with a round hole and a square hole.
     CPolygon polygon;
     polygon.AddLoop(slot(300, 50, 50), true);
     polygon.AddLoop(circle(60, 50, 20), true);
     polygon.AddLoop(rectangle(150, 30, 250, 70), true);
 
-    QString error;
     BodyPtr face(CBody::CreateFace(polygon, CCoord3(), &error));
     ASSERT_TRUE(face) << error.toStdString();
     const double expected = 300 * 100 + kPi * 50 * 50 - kPi * 20 * 20 - 100 * 40;

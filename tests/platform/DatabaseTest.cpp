@@ -138,64 +138,7 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
     EXPECT_FALSE(table->Search(0, 80, found));
 }
 
-TEST_F(DatabaseTest, EveryFieldKindRoundTripsExactly) {
-    CDBRecord* record = m_table->CreateRecord();
-    CCoord3 frame;
-    frame.origin = {1.5, -2.25, 1e-300};
-    frame.zAxis = {0, -1, 0};
-    const QByteArray bytes("\0\x01\xff polygon", 11);
-    EXPECT_TRUE(record->SetInt(0, -2147483647 - 1));
-    EXPECT_TRUE(record->SetString(2, L"截面 \"quoted\"; DROP TABLE x;--"));
-    EXPECT_TRUE(record->SetDouble(3, 0.1 + 0.2));
-    EXPECT_TRUE(record->SetInt64(5, 9007199254740993LL));
-    EXPECT_TRUE(record->SetBool(6, true));
-    EXPECT_TRUE(record->SetCoord3(7, frame));
-    EXPECT_TRUE(record->SetBytes(8, bytes));
-    EXPECT_TRUE(record->SetBytes(9, QByteArray()));
-    EXPECT_FALSE(record->SetDouble(2, 1.0));  // a text field takes no double
-    EXPECT_FALSE(record->SetInt(42, 1));
-    const CFileAddress address = m_table->AddRecord(record);
-    record->Release();
-    ASSERT_NE(address, kNullAddress);
-
-    CDBRecord* read = m_table->GetRecord(address);
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(read->GetInt(0), -2147483647 - 1);
-    EXPECT_EQ(read->GetInt(1, -1), -1);  // null gives the default
-    EXPECT_EQ(read->GetString(2), L"截面 \"quoted\"; DROP TABLE x;--");
-    EXPECT_EQ(read->GetDouble(3), 0.1 + 0.2);
-    EXPECT_EQ(read->GetInt64(5), 9007199254740993LL);
-    EXPECT_TRUE(read->GetBool(6));
-    EXPECT_EQ(read->GetCoord3(7), frame);
-    EXPECT_EQ(read->GetBytes(8), bytes);
-    EXPECT_EQ(read->GetString(3, L"default"), L"default");  // wrong kind gives the default
-    read->Release();
-}
-
-TEST_F(DatabaseTest, PolygonFieldsTakeAndGiveOnlyPolygons) {
-    CPolygon polygon, untouched;
-    polygon.AddLoop(rectangle(0, 0, 100, 50), true);
-    polygon.AddLoop(circle(20, 20, 10), true);
-    CDBRecord* record = m_table->CreateRecord();
-    EXPECT_FALSE(record->GetPolygon(8, untouched));  // null
-    EXPECT_FALSE(record->SetPolygon(9, polygon));    // a stream
-    EXPECT_FALSE(record->SetPolygon(2, polygon));
-    EXPECT_FALSE(record->SetPolygon(42, polygon));
-    EXPECT_TRUE(record->SetPolygon(8, polygon));
-    record->SetBytes(9, polygon.ToBytes());
-    const CFileAddress address = m_table->AddRecord(record);
-    record->Release();
-    CDBRecord* read = m_table->GetRecord(address);
-    ASSERT_NE(read, nullptr);
-    CPolygon back;
-    EXPECT_TRUE(read->GetPolygon(8, back));
-    EXPECT_EQ(back, polygon);
-    EXPECT_FALSE(read->GetPolygon(9, untouched));  // a stream, even one holding polygon bytes
-    EXPECT_TRUE(untouched.IsEmpty());
-    read->Release();
-}
-
-TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLibrarysForms) {
+TEST_F(DatabaseTest, FindSearchListAndQueriesFollowTheLibrarysFormsAndEveryFieldKindRoundTrips) {
     CFileAddressList all;
     ASSERT_TRUE(m_table->ListAll(all));
     EXPECT_EQ(namesOf(m_table, all),
@@ -248,9 +191,42 @@ TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLi
         EXPECT_FALSE(m_table->Query(query, list));
         EXPECT_EQ(list.GetCount(), 0);
     }
+
+    // Every field kind round-trips exactly.
+    CDBRecord* record = m_table->CreateRecord();
+    CCoord3 frame;
+    frame.origin = {1.5, -2.25, 1e-300};
+    frame.zAxis = {0, -1, 0};
+    const QByteArray bytes("\0\x01\xff polygon", 11);
+    EXPECT_TRUE(record->SetInt(0, -2147483647 - 1));
+    EXPECT_TRUE(record->SetString(2, L"截面 \"quoted\"; DROP TABLE x;--"));
+    EXPECT_TRUE(record->SetDouble(3, 0.1 + 0.2));
+    EXPECT_TRUE(record->SetInt64(5, 9007199254740993LL));
+    EXPECT_TRUE(record->SetBool(6, true));
+    EXPECT_TRUE(record->SetCoord3(7, frame));
+    EXPECT_TRUE(record->SetBytes(8, bytes));
+    EXPECT_TRUE(record->SetBytes(9, QByteArray()));
+    EXPECT_FALSE(record->SetDouble(2, 1.0));  // a text field takes no double
+    EXPECT_FALSE(record->SetInt(42, 1));
+    const CFileAddress address = m_table->AddRecord(record);
+    record->Release();
+    ASSERT_NE(address, kNullAddress);
+
+    CDBRecord* read = m_table->GetRecord(address);
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->GetInt(0), -2147483647 - 1);
+    EXPECT_EQ(read->GetInt(1, -1), -1);  // null gives the default
+    EXPECT_EQ(read->GetString(2), L"截面 \"quoted\"; DROP TABLE x;--");
+    EXPECT_EQ(read->GetDouble(3), 0.1 + 0.2);
+    EXPECT_EQ(read->GetInt64(5), 9007199254740993LL);
+    EXPECT_TRUE(read->GetBool(6));
+    EXPECT_EQ(read->GetCoord3(7), frame);
+    EXPECT_EQ(read->GetBytes(8), bytes);
+    EXPECT_EQ(read->GetString(3, L"default"), L"default");  // wrong kind gives the default
+    read->Release();
 }
 
-TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaultsAndChangesReachOnlyTheirRecord) {
+TEST_F(DatabaseTest, RecordViewReadsByNameChangesReachOnlyTheirRecordAndPolygonFieldsTakeOnlyPolygons) {
     const VMPDBRecord row(m_table, m_first);
     ASSERT_TRUE(row.isValid());
     EXPECT_EQ(row.getInteger("SectionType", -1), 7);
@@ -273,9 +249,31 @@ TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaultsAndChangesReachOnlyTheirRe
     CFileAddressList rest;
     m_table->ListAll(rest);
     EXPECT_EQ(rest.GetCount(), 3);
+
+    // Polygon fields take and give only polygons.
+    CPolygon polygon, untouched;
+    polygon.AddLoop(rectangle(0, 0, 100, 50), true);
+    polygon.AddLoop(circle(20, 20, 10), true);
+    CDBRecord* record = m_table->CreateRecord();
+    EXPECT_FALSE(record->GetPolygon(8, untouched));  // null
+    EXPECT_FALSE(record->SetPolygon(9, polygon));    // a stream
+    EXPECT_FALSE(record->SetPolygon(2, polygon));
+    EXPECT_FALSE(record->SetPolygon(42, polygon));
+    EXPECT_TRUE(record->SetPolygon(8, polygon));
+    record->SetBytes(9, polygon.ToBytes());
+    const CFileAddress address = m_table->AddRecord(record);
+    record->Release();
+    CDBRecord* read = m_table->GetRecord(address);
+    ASSERT_NE(read, nullptr);
+    CPolygon back;
+    EXPECT_TRUE(read->GetPolygon(8, back));
+    EXPECT_EQ(back, polygon);
+    EXPECT_FALSE(read->GetPolygon(9, untouched));  // a stream, even one holding polygon bytes
+    EXPECT_TRUE(untouched.IsEmpty());
+    read->Release();
 }
 
-TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {
+TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedAndTheManagerClosesEachDatabaseOnce) {
     QTemporaryDir dir;
     CDatabase db;
     EXPECT_FALSE(db.Open(dir.filePath("missing.KDB"), true));
@@ -302,10 +300,8 @@ TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {
     EXPECT_EQ(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}, {L"A", EnDBFieldKind::Text}}), nullptr);
     EXPECT_NE(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}}), nullptr);
     EXPECT_EQ(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}}), nullptr);
-}
 
-TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
-    QTemporaryDir dir;
+    // The database manager closes one of its databases once and opens it again on request.
     {
         CDatabase db;
         ASSERT_TRUE(db.Create(dir.filePath("Some.KDB")));
@@ -440,7 +436,7 @@ TEST_F(CommandLog, AddedChangedAndDeletedRowsAreUndoneAndRedoneExactly) {
     EXPECT_EQ(m_log->database(), nullptr);  // closing forgets the log
 }
 
-TEST_F(CommandLog, NestedRecordingIsOneCommandAndEmptyCommandsAreNotKept) {
+TEST_F(CommandLog, NestingMakesOneCommandEmptyOnesAreNotKeptANewOneDropsTheRedoAndStaleOnesAreRefused) {
     EXPECT_FALSE(end(QString()));  // nothing open
     ASSERT_TRUE(m_log->beginCommandLog());
     ASSERT_TRUE(m_log->beginCommandLog());
@@ -459,9 +455,8 @@ TEST_F(CommandLog, NestedRecordingIsOneCommandAndEmptyCommandsAreNotKept) {
     ASSERT_TRUE(end(QStringLiteral("nothing")));
     EXPECT_FALSE(m_log->canUndo());
     EXPECT_TRUE(m_log->canRedo());  // an empty command does not drop the redo
-}
 
-TEST_F(CommandLog, ANewCommandDropsTheRedoAndAStaleCommandIsRefused) {
+    // A new command drops the redo, and a stale command is refused.
     ASSERT_TRUE(m_log->beginCommandLog());
     setWeight(m_table, m_first, 70.0);
     ASSERT_TRUE(end(QStringLiteral("a")));

@@ -105,7 +105,7 @@ class SolidSplit : public Project {};
 // ---------------------------------------------------------------------------------------------
 // Reading the planes
 
-TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaults) {
+TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaultsAndMissingSourcesGiveNone) {
     const CoordinateSystem3 oblique = frame({10, 20, 30}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     addPlane(42, true, &oblique);
     addPlane(7, false, &oblique);
@@ -126,18 +126,17 @@ TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaults) {
     EXPECT_EQ(entries.size(), 2u);
     CuttingPlaneEntries none;
     EXPECT_FALSE(ReadCuttingPlanes(db(), 43, none, false));
-}
 
-TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
+    // A missing model, database or table gives no planes.
     EXPECT_FALSE(HasCuttingPlanes(nullptr, 1, false));
     EXPECT_FALSE(HasCuttingPlanes(nullptr, 1, true));
-    CuttingPlaneEntries entries{{true, CoordinateSystem3()}};
-    EXPECT_FALSE(ReadCuttingPlanes(nullptr, 1, entries, false));
+    CuttingPlaneEntries untouched{{true, CoordinateSystem3()}};
+    EXPECT_FALSE(ReadCuttingPlanes(nullptr, 1, untouched, false));
     ndp::CDatabase bare;
     ASSERT_TRUE(bare.Create(m_dir.filePath("bare.KDB")));
-    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, false));
-    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, true));
-    EXPECT_EQ(entries.size(), 1u);  // untouched
+    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, untouched, false));
+    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, untouched, true));
+    EXPECT_EQ(untouched.size(), 1u);  // untouched
 
     // Writing into a file without the tables is refused, naming the file and the table.
     CuttingPlaneRecord plane;
@@ -345,7 +344,7 @@ protected:
     }
 };
 
-TEST_F(ModelTrimming, EqualMembersShareOneSolidAndEverySolidIsTheMembersOwnTrim) {
+TEST_F(ModelTrimming, EqualMembersShareOneSolidEverySolidIsTheMembersOwnTrimAndFailuresGiveNothing) {
     addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
     addTrimmed("H300*150*6*9", 4000, 9000, 90, 20, 200, 200);  // shares the first one's solid
     addTrimmed("H300*150*6*9", 4000, 0, 0, 30, 200, 200);
@@ -382,12 +381,8 @@ TEST_F(ModelTrimming, EqualMembersShareOneSolidAndEverySolidIsTheMembersOwnTrim)
     }
     const ndp::CRef<ndp::CBody> uncut(skr::body::SKRMemberSolidShape("H300*150*6*9", 4000, {}).createBody());
     EXPECT_NEAR(trim.solids[trim.members[4].solid]->Volume(), uncut->Volume(), 1e-9 * uncut->Volume());
-}
 
-TEST_F(ModelTrimming, ACancelledOrFailedTrimmingGivesNothingAndSaysWhy) {
-    addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
-    SKRModelTrim trim;
-    QString error;
+    // A cancelled or failed trimming of the same members gives nothing and says why.
     EXPECT_FALSE(TrimModelMembers(db(), memberSolid, trim, &error, [](int, int) { return false; }));
     EXPECT_TRUE(trim.members.empty() && trim.solids.empty());
     EXPECT_TRUE(error.contains(QStringLiteral("cancelled")) && error.contains(QStringLiteral("project.KDB")))
