@@ -288,11 +288,11 @@ TEST(PolygonsAndPlanes, BytesReadBackExactlyPlanePointsRoundTripAndFacesKeepThei
 }
 
 // ---------------------------------------------------------------------------------------------
-// Splitting bodies by a plane
+// Splitting bodies by a plane; tessellation and STEP export
 
 // A member fused from two halves has its side faces split at the joint; the unified side of a
 // cut has one face per surface again, as a member made whole does, and a plain one keeps the joint.
-TEST(KernelSplit, AUnifiedSideHasOneFacePerSurface) {
+TEST(KernelSplit, AUnifiedSideHasOneFacePerSurfaceBadBodiesAreRefusedAndMeshAndStepKeepTheGeometry) {
     const TopoDS_Shape halves = BRepAlgoAPI_Fuse(BRepPrimAPI_MakeBox(gp_Pnt(0, 0, 0), 100, 60, 500).Shape(),
                                                  BRepPrimAPI_MakeBox(gp_Pnt(0, 0, 500), 100, 60, 500).Shape()).Shape();
     BodyPtr joined(CBodyOcct::Create(halves));
@@ -309,6 +309,61 @@ TEST(KernelSplit, AUnifiedSideHasOneFacePerSurface) {
     EXPECT_EQ(kept->FaceCount(), 10);
     EXPECT_NEAR(merged->Volume(), whole->Volume(), 1e-9 * kMemberVolume);
     EXPECT_TRUE(merged->IsValid());
+
+    // Null and face-only bodies are refused with a reason.
+    CBooleanOperate op = operate();
+    const CPlane unset;
+    EXPECT_EQ(op.SplitPositiveBody(unset, nullptr), nullptr);
+    EXPECT_FALSE(op.GetLastError().isEmpty());
+    EXPECT_EQ(op.SplitNegativeBody(unset, nullptr), nullptr);
+    EXPECT_FALSE(op.GetLastError().isEmpty());
+
+    CPolygon square;
+    square.AddLoop(rectangle(-1, -1, 1, 1), true);
+    BodyPtr face(CBody::CreateFace(square, CCoord3()));
+    ASSERT_TRUE(face);
+    EXPECT_EQ(op.SplitPositiveBody(unset, face.get()), nullptr);
+    EXPECT_TRUE(op.GetLastError().contains(QStringLiteral("no solid"))) << op.GetLastError().toStdString();
+
+    BodyPtr stale = member();
+    CBody *positive = stale.get(), *negative = stale.get(), *cut = stale.get();
+    EXPECT_FALSE(op.SplitBody(unset, nullptr, positive, negative, cut));
+    EXPECT_TRUE(!positive && !negative && !cut);  // no stale body left in any of them
+
+    // Tessellation: a box is twelve outward triangles with face normals.
+    BodyPtr box = member();
+    CBodyMesh mesh;
+    QString error;
+    ASSERT_TRUE(mesh.Build(box.get(), CMeshParameter(0.5, 0.5), &error)) << error.toStdString();
+    EXPECT_EQ(mesh.GetTriangleCount(), 12);
+    EXPECT_EQ(mesh.GetVertexCount(), 24);
+    const auto& v = mesh.GetVertices();
+    const auto at = [&v](size_t i) { return CVector3{v[3 * i], v[3 * i + 1], v[3 * i + 2]}; };
+    // The enclosed volume (divergence theorem) is positive only when every triangle runs
+    // counter-clockwise seen from outside.
+    const auto& idx = mesh.GetIndices();
+    double sum = 0;
+    for (size_t t = 0; t < idx.size(); t += 3) sum += Dot(at(idx[t]), Cross(at(idx[t + 1]), at(idx[t + 2])));
+    EXPECT_NEAR(sum / 6.0, kMemberVolume, 1e-6 * kMemberVolume);
+    const CVector3 centre{50, 30, 500};
+    for (int i = 0; i < mesh.GetVertexCount(); ++i) {
+        const CVector3 n{mesh.GetNormals()[3 * i], mesh.GetNormals()[3 * i + 1], mesh.GetNormals()[3 * i + 2]};
+        EXPECT_NEAR(Length(n), 1.0, 1e-9);
+        EXPECT_GT(Dot(n, at(i) - centre), 0.0) << "vertex " << i;
+    }
+
+    // STEP export keeps the exact geometry.
+    QTemporaryDir dir;
+    CPolygon disc;
+    disc.AddLoop(circle(0, 0, 20), true);
+    const BodyPtr bar = extrude(disc, 100).plain;
+    const QString path = dir.filePath(QStringLiteral("bar.step"));
+    ASSERT_TRUE(ExportBodyStep(bar.get(), path, &error)) << error.toStdString();
+    STEPControl_Reader reader;
+    ASSERT_EQ(reader.ReadFile(QFile::encodeName(path).constData()), IFSelect_RetDone);
+    ASSERT_GT(reader.TransferRoots(), 0);
+    BodyPtr back(CBodyOcct::Create(reader.OneShape()));
+    EXPECT_NEAR(back->Volume(), bar->Volume(), 1e-6 * bar->Volume());
 }
 
 TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHoleAndEachSideKeepsWhatLiesBeyondThePlane) {
@@ -390,66 +445,6 @@ TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHoleAndEachSideKeepsWhatLiesBeyo
             EXPECT_EQ(part->SolidCount(), 1);
         }
     }
-}
-
-TEST(KernelSplit, NullAndFaceOnlyBodiesAreRefusedWithAReason) {
-    CBooleanOperate op = operate();
-    const CPlane p;
-    EXPECT_EQ(op.SplitPositiveBody(p, nullptr), nullptr);
-    EXPECT_FALSE(op.GetLastError().isEmpty());
-    EXPECT_EQ(op.SplitNegativeBody(p, nullptr), nullptr);
-    EXPECT_FALSE(op.GetLastError().isEmpty());
-
-    CPolygon square;
-    square.AddLoop(rectangle(-1, -1, 1, 1), true);
-    BodyPtr face(CBody::CreateFace(square, CCoord3()));
-    ASSERT_TRUE(face);
-    EXPECT_EQ(op.SplitPositiveBody(p, face.get()), nullptr);
-    EXPECT_TRUE(op.GetLastError().contains(QStringLiteral("no solid"))) << op.GetLastError().toStdString();
-
-    BodyPtr stale = member();
-    CBody *positive = stale.get(), *negative = stale.get(), *cut = stale.get();
-    EXPECT_FALSE(op.SplitBody(p, nullptr, positive, negative, cut));
-    EXPECT_TRUE(!positive && !negative && !cut);  // no stale body left in any of them
-}
-
-// ---------------------------------------------------------------------------------------------
-// Tessellation and export
-
-TEST(KernelMesh, ABoxIsTwelveOutwardTrianglesAndStepKeepsTheExactGeometry) {
-    BodyPtr box = member();
-    CBodyMesh mesh;
-    QString error;
-    ASSERT_TRUE(mesh.Build(box.get(), CMeshParameter(0.5, 0.5), &error)) << error.toStdString();
-    EXPECT_EQ(mesh.GetTriangleCount(), 12);
-    EXPECT_EQ(mesh.GetVertexCount(), 24);
-    const auto& v = mesh.GetVertices();
-    const auto at = [&v](size_t i) { return CVector3{v[3 * i], v[3 * i + 1], v[3 * i + 2]}; };
-    // The enclosed volume (divergence theorem) is positive only when every triangle runs
-    // counter-clockwise seen from outside.
-    const auto& idx = mesh.GetIndices();
-    double sum = 0;
-    for (size_t t = 0; t < idx.size(); t += 3) sum += Dot(at(idx[t]), Cross(at(idx[t + 1]), at(idx[t + 2])));
-    EXPECT_NEAR(sum / 6.0, kMemberVolume, 1e-6 * kMemberVolume);
-    const CVector3 centre{50, 30, 500};
-    for (int i = 0; i < mesh.GetVertexCount(); ++i) {
-        const CVector3 n{mesh.GetNormals()[3 * i], mesh.GetNormals()[3 * i + 1], mesh.GetNormals()[3 * i + 2]};
-        EXPECT_NEAR(Length(n), 1.0, 1e-9);
-        EXPECT_GT(Dot(n, at(i) - centre), 0.0) << "vertex " << i;
-    }
-
-    // STEP export keeps the exact geometry.
-    QTemporaryDir dir;
-    CPolygon disc;
-    disc.AddLoop(circle(0, 0, 20), true);
-    const BodyPtr bar = extrude(disc, 100).plain;
-    const QString path = dir.filePath(QStringLiteral("bar.step"));
-    ASSERT_TRUE(ExportBodyStep(bar.get(), path, &error)) << error.toStdString();
-    STEPControl_Reader reader;
-    ASSERT_EQ(reader.ReadFile(QFile::encodeName(path).constData()), IFSelect_RetDone);
-    ASSERT_GT(reader.TransferRoots(), 0);
-    BodyPtr back(CBodyOcct::Create(reader.OneShape()));
-    EXPECT_NEAR(back->Volume(), bar->Volume(), 1e-6 * bar->Volume());
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -280,7 +280,7 @@ TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
     }
 }
 
-TEST_F(SolidSplit, FramesOfAMemberOffTheGlobalAxesAreFollowed) {
+TEST_F(SolidSplit, FramesOffTheGlobalAxesAreFollowedAndOffsetPlanesTrimByTheMeasuredDistance) {
     // Head at (1000, 500, 0), axis along global +X; a square cut 1000 into the member.
     const CoordinateSystem3 head = frame({1000, 500, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     const CoordinateSystem3 cut = frame({0, 0, 1000}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
@@ -297,10 +297,9 @@ TEST_F(SolidSplit, FramesOfAMemberOffTheGlobalAxesAreFollowed) {
     EXPECT_NEAR(TailFrame(member).origin[0], 7000, 1e-9);
     member.m_kind = EnElementAxisKind::Other;
     EXPECT_EQ(TailFrame(member), head);
-}
 
-TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
-    Member member(&m_model, CoordinateSystem3());
+    // An offset plane trims by the measured distance above its threshold.
+    Member straight(&m_model, CoordinateSystem3());
     const CoordinateSystem3 axis;
     const CVector3 intoMember{0, 0, 1};
     const struct {
@@ -315,14 +314,14 @@ TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.offset);
-        ndp::CBody* body = member.createBody();
+        ndp::CBody* body = straight.createBody();
         const CVector3 base = c.flipped ? CVector3{0, 0, kLength} : CVector3{0, 0, 0};
         const CVector3 point = ndp::operator+(base, CVector3{30, 40, c.flipped ? -c.offset : c.offset});
         EXPECT_NEAR(TrimBodyByOffsetPlane(point, axis, intoMember, base, body, c.flipped), c.expectedDistance, 1e-9);
         EXPECT_NEAR(volumeOf(body), kWidth * kDepth * c.keptLength, 1e-6 * kVolume);
     }
     // Keeping the side beyond the tail end leaves nothing: the body is released and null.
-    ndp::CBody* body = member.createBody();
+    body = straight.createBody();
     TrimBodyByOffsetPlane({0, 0, kLength}, axis, intoMember, {0, 0, kLength}, body, false);
     EXPECT_EQ(body, nullptr);
 }
@@ -513,7 +512,7 @@ TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelectedAndUpdatesDropOnl
 }
 
 // Element changes rebuild that element's nodes; a destroyed manager leaves no node and no observer.
-TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodesAndADestroyedManagerLeavesNothing) {
+TEST_F(PlaneDisplay, ElementChangesRebuildNodesADestroyedManagerLeavesNothingAndMovesAndAddsAreWritten) {
     const std::int64_t record = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
     {
         Manager manager(&m_model, &m_viewer);
@@ -538,10 +537,8 @@ TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodesAndADestroyedManagerL
     // A later update reaches no destroyed manager.
     m_model.notifyUpdate(VMP_UPDATE_DATABASE);
     m_model.notifyElementChange(VMP_CHANGE_PROPERTY, m_model.getElementDrawObj(m_member), L"WorldPoly", true);
-}
 
-TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
-    const std::int64_t record = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
+    // The same plane, moved, and planes added write their records.
     Manager manager(&m_model, &m_viewer);
     std::int64_t element = -1;
     ASSERT_TRUE(manager.GetElementOfCuttingPlane(record, element));
