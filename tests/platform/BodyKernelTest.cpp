@@ -184,7 +184,7 @@ TEST(LineLoops, LinesArcsLoopsAndPolygonsHaveTheirAreasLengthsBoxesAndTurningSen
     EXPECT_TRUE(std::isfinite(huge.SignedArea()));
 
     // A full circle starts at its start angle; its area, length, box and closure are those of the
-    // circle outlines (SectionOutlineTest, SectionPropertiesTest).
+    // circle outlines (SectionOutlineTest).
     expectPoint(CArc2d(CPoint2d(10, 20), 5.0, 0.0, 2 * kPi).StartPoint(), 15, 20, 0);
 
     loop.reset(slot(40, 6, 6));
