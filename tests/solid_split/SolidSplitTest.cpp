@@ -156,7 +156,7 @@ TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaultsAndMissin
     }
 }
 
-TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormal) {
+TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormalAndShapesWithoutCuttersOrLengthNone) {
     // A member from (0,0,0) along +Z, 6000 long; three cutters and one shape of another kind.
     addShape(1, 0, 1, 6000, frame({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
     const CoordinateSystem3 tailCut = frame({0, 0, 5900}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
@@ -186,20 +186,19 @@ TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormal) {
     ASSERT_EQ(entries.size(), 1u);
     EXPECT_TRUE(entries[0].IsTail);
     expectFrameNear(entries[0].LocalCoordinate, frame({10, 20, -50}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}));
-}
 
-TEST_F(CuttingPlaneReading, ShapesWithoutCuttersOrLengthGiveNoPlanes) {
-    const CoordinateSystem3 member;
-    addShape(1, 0, 1, 1e-7, member);  // zero length within tolerance
-    addShape(2, 1, 7, 10, member);
-    addShape(10, 0, 1, 3000, member);
-    addShape(11, 10, 3, 10, member);  // acts on 10 but is no cutter
-    CuttingPlaneEntries entries;
-    for (const auto& [shape, has] : {std::pair{1, true}, std::pair{10, false}, std::pair{99, false}}) {  // 99: none
+    // Shapes without cutters or length give no planes.
+    const CoordinateSystem3 identity;
+    addShape(21, 0, 1, 1e-7, identity);  // zero length within tolerance
+    addShape(22, 21, 7, 10, identity);
+    addShape(30, 0, 1, 3000, identity);
+    addShape(31, 30, 3, 10, identity);  // acts on 30 but is no cutter
+    CuttingPlaneEntries none;
+    for (const auto& [shape, has] : {std::pair{21, true}, std::pair{30, false}, std::pair{99, false}}) {  // 99: none
         EXPECT_EQ(HasCuttingPlanes(&m_model, shape, true), has) << shape;
-        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, entries, true)) << shape;
+        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, none, true)) << shape;
     }
-    EXPECT_TRUE(entries.empty());
+    EXPECT_TRUE(none.empty());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -343,7 +342,7 @@ protected:
     }
 };
 
-TEST_F(ModelTrimming, EqualMembersShareOneSolidEverySolidIsTheMembersOwnTrimAndFailuresGiveNothing) {
+TEST_F(ModelTrimming, EqualMembersShareOneSolidEachIsTheMembersOwnTrimFramesStandUprightAndFailuresGiveNothing) {
     addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
     addTrimmed("H300*150*6*9", 4000, 9000, 90, 20, 200, 200);  // shares the first one's solid
     addTrimmed("H300*150*6*9", 4000, 0, 0, 30, 200, 200);
@@ -390,6 +389,19 @@ TEST_F(ModelTrimming, EqualMembersShareOneSolidEverySolidIsTheMembersOwnTrimAndF
     const auto noSolid = [](const QString&, double, const CoordinateSystem3&) { return std::unique_ptr<IVMPSolidShape>(); };
     EXPECT_FALSE(TrimModelMembers(db(), noSolid, trim, &error));
     EXPECT_TRUE(error.contains(QStringLiteral("member 1 (H300*150*6*9)"))) << error.toStdString();
+
+    // A member's head frame has its axis along Z with the section upright.
+    const struct {
+        CVector3 from, to;
+        double roll;
+        CVector3 x, y, z;
+    } cases[] = {
+        {{0, 0, 0}, {10, 0, 0}, 0, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},    // beam along X: Y up
+        {{0, 0, 0}, {0, 0, 10}, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},    // column: X stays X
+        {{0, 0, 0}, {0, 0, -10}, 0, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}}, // hanging column
+        {{0, 0, 0}, {10, 0, 0}, 90, {0, 0, 1}, {0, -1, 0}, {1, 0, 0}},  // rolled a quarter turn
+    };
+    for (const auto& c : cases) expectFrameNear(VMPMemberHeadFrame(c.from, c.to, c.roll), frame({0, 0, 0}, c.x, c.y, c.z));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -578,18 +590,4 @@ TEST_F(PlaneDisplay, ElementChangesRebuildNodesADestroyedManagerLeavesNothingAnd
 
     manager.DeleteCuttingPlanesOfElement(m_member);
     EXPECT_FALSE(HasCuttingPlanes(&m_model, m_member, false));
-}
-
-TEST(MemberFrame, AxisAlongZWithTheSectionUpright) {
-    const struct {
-        CVector3 from, to;
-        double roll;
-        CVector3 x, y, z;
-    } cases[] = {
-        {{0, 0, 0}, {10, 0, 0}, 0, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},    // beam along X: Y up
-        {{0, 0, 0}, {0, 0, 10}, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},    // column: X stays X
-        {{0, 0, 0}, {0, 0, -10}, 0, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}}, // hanging column
-        {{0, 0, 0}, {10, 0, 0}, 90, {0, 0, 1}, {0, -1, 0}, {1, 0, 0}},  // rolled a quarter turn
-    };
-    for (const auto& c : cases) expectFrameNear(VMPMemberHeadFrame(c.from, c.to, c.roll), frame({0, 0, 0}, c.x, c.y, c.z));
 }
