@@ -105,7 +105,7 @@ class SolidSplit : public Project {};
 // ---------------------------------------------------------------------------------------------
 // Reading the planes
 
-TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaultsAndMissingSourcesGiveNone) {
+TEST_F(CuttingPlaneReading, PlaneRecordsAndCutterShapesAreReadInOrderWithTheirDefaultsAndOtherSourcesGiveNone) {
     const CoordinateSystem3 oblique = frame({10, 20, 30}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     addPlane(42, true, &oblique);
     addPlane(7, false, &oblique);
@@ -154,9 +154,8 @@ TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaultsAndMissin
         EXPECT_FALSE(write(&error)) << table;
         EXPECT_TRUE(error.contains(QLatin1String("bare.KDB")) && error.contains(QLatin1String(table))) << error.toStdString();
     }
-}
 
-TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormalAndShapesWithoutCuttersOrLengthNone) {
+    // Cutter solid shapes are head or tail cuts by their normal.
     // A member from (0,0,0) along +Z, 6000 long; three cutters and one shape of another kind.
     addShape(1, 0, 1, 6000, frame({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
     const CoordinateSystem3 tailCut = frame({0, 0, 5900}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
@@ -168,24 +167,24 @@ TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormalAndShapesW
     addShape(5, 1, 7, 10, sideways);
     EXPECT_TRUE(HasCuttingPlanes(&m_model, 1, true));
 
-    CuttingPlaneEntries entries;
-    ASSERT_TRUE(ReadCuttingPlanes(db(), 1, entries, true));
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_TRUE(entries[0].IsTail);
-    expectFrameNear(entries[0].LocalCoordinate, frame({0, 0, -100}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}));
-    EXPECT_FALSE(entries[1].IsTail);
-    expectFrameNear(entries[1].LocalCoordinate, headCut);
-    EXPECT_FALSE(entries[2].IsTail);  // exactly perpendicular to the member: a head cut
-    expectFrameNear(entries[2].LocalCoordinate, sideways);
+    CuttingPlaneEntries cutters;
+    ASSERT_TRUE(ReadCuttingPlanes(db(), 1, cutters, true));
+    ASSERT_EQ(cutters.size(), 3u);
+    EXPECT_TRUE(cutters[0].IsTail);
+    expectFrameNear(cutters[0].LocalCoordinate, frame({0, 0, -100}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}));
+    EXPECT_FALSE(cutters[1].IsTail);
+    expectFrameNear(cutters[1].LocalCoordinate, headCut);
+    EXPECT_FALSE(cutters[2].IsTail);  // exactly perpendicular to the member: a head cut
+    expectFrameNear(cutters[2].LocalCoordinate, sideways);
 
     // A member along global +X starting at (1000, 0, 0): local X = global Y, local Y = global Z.
     addShape(10, 0, 1, 2000, frame({1000, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}));
     addShape(11, 10, 7, 1, frame({2950, 10, 20}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}));
-    entries.clear();
-    ASSERT_TRUE(ReadCuttingPlanes(db(), 10, entries, true));
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_TRUE(entries[0].IsTail);
-    expectFrameNear(entries[0].LocalCoordinate, frame({10, 20, -50}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}));
+    cutters.clear();
+    ASSERT_TRUE(ReadCuttingPlanes(db(), 10, cutters, true));
+    ASSERT_EQ(cutters.size(), 1u);
+    EXPECT_TRUE(cutters[0].IsTail);
+    expectFrameNear(cutters[0].LocalCoordinate, frame({10, 20, -50}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}));
 
     // Shapes without cutters or length give no planes.
     const CoordinateSystem3 identity;
@@ -193,12 +192,12 @@ TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormalAndShapesW
     addShape(22, 21, 7, 10, identity);
     addShape(30, 0, 1, 3000, identity);
     addShape(31, 30, 3, 10, identity);  // acts on 30 but is no cutter
-    CuttingPlaneEntries none;
-    for (const auto& [shape, has] : {std::pair{21, true}, std::pair{30, false}, std::pair{99, false}}) {  // 99: none
+    CuttingPlaneEntries nothing;
+    for (const auto& [shape, has] : {std::pair{21, true}, std::pair{30, false}, std::pair{99, false}}) {  // 99: nothing
         EXPECT_EQ(HasCuttingPlanes(&m_model, shape, true), has) << shape;
-        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, none, true)) << shape;
+        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, nothing, true)) << shape;
     }
-    EXPECT_TRUE(none.empty());
+    EXPECT_TRUE(nothing.empty());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -250,11 +249,11 @@ CoordinateSystem3 tilted(double angle, double z) {
                  {0, -std::sin(angle), z * std::cos(angle)});
 }
 
-TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
+TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveFramesOffTheAxesAreFollowedAndOffsetPlanesTrim) {
     const double angle = 20 * M_PI / 180;
     // The wedge an oblique plane through the axis cuts off the section.
     const double wedge = kWidth * std::tan(angle) * (kDepth / 2) * (kDepth / 2) / 2;
-    const CoordinateSystem3 head = tilted(angle, 1), tail = tilted(angle, -1);
+    const CoordinateSystem3 tiltH = tilted(angle, 1), tiltT = tilted(angle, -1);
     const CoordinateSystem3 keepBeyond4000 = frame({0, 0, 4000}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
     const CoordinateSystem3 keepBefore3000 = frame({0, 0, -3000}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
     const struct {
@@ -262,24 +261,23 @@ TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
         std::vector<std::pair<bool, const CoordinateSystem3*>> planes;  // (is tail, frame or none)
         double volume;
         int bodiesMade;  // a second when the planes leave nothing
-    } cases[] = {
+    } plans[] = {
         {"no planes", {}, kVolume, 1},
-        {"oblique head and tail cuts remove their wedges", {{false, &head}, {true, &tail}}, kVolume - 2 * wedge, 1},
+        {"oblique head and tail cuts remove their wedges", {{false, &tiltH}, {true, &tiltT}}, kVolume - 2 * wedge, 1},
         {"a head plane without a frame: through the head, into the member", {{false, nullptr}}, kVolume, 1},
         {"a tail plane without a frame: at the end point, pointing away", {{false, nullptr}, {true, nullptr}}, kVolume, 2},
         {"two planes that remove everything", {{false, &keepBeyond4000}, {true, &keepBefore3000}}, kVolume, 2},
     };
     std::int64_t id = 100;
-    for (const auto& c : cases) {
+    for (const auto& c : plans) {
         SCOPED_TRACE(c.name);
         for (const auto& plane : c.planes) addPlane(id, plane.first, plane.second);
         Member member(&m_model, CoordinateSystem3(), id++);
         EXPECT_NEAR(volumeOf(ApplyCuttingPlanes(member, member)), c.volume, 1e-6 * kVolume);
         EXPECT_EQ(member.m_bodiesMade, c.bodiesMade);
     }
-}
 
-TEST_F(SolidSplit, FramesOffTheGlobalAxesAreFollowedAndOffsetPlanesTrimByTheMeasuredDistance) {
+    // Frames of a member off the global axes are followed.
     // Head at (1000, 500, 0), axis along global +X; a square cut 1000 into the member.
     const CoordinateSystem3 head = frame({1000, 500, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     const CoordinateSystem3 cut = frame({0, 0, 1000}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
