@@ -92,7 +92,7 @@ protected:
 // "KDB_ADDR".
 // Writes after the last flush are discarded on closing, and a database opened read-only refuses
 // every write.
-TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
+TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningUnflushedWritesDoNotAndAHeldFileIsBusy) {
     CDBTable* table = m_db.CreateTable(L"Params", {{L"B", EnDBFieldKind::Int32, true},
                                                    {L"KDB_ADDR", EnDBFieldKind::Int32},
                                                    {L"b", EnDBFieldKind::Text, true},
@@ -136,6 +136,27 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
     read->Release();
     EXPECT_TRUE(table->Query(L"B==125", found));
     EXPECT_FALSE(table->Search(0, 80, found));
+
+    // The closed file, held by another program, is busy and its holder named.
+    CDatabase::SetBusyTimeout(200);
+    struct Case {
+        const char* begin;
+        bool opens;  // readers still open the file; only writers wait
+    };
+    for (const Case& held : {Case{"BEGIN IMMEDIATE", true}, Case{"BEGIN EXCLUSIVE", false}}) {
+        SCOPED_TRACE(held.begin);
+        const bxqtest::LockHolder holder(m_path, held.begin);
+        CDatabase db;
+        const bool opened = db.Open(m_path, false);
+        ASSERT_EQ(opened, held.opens) << qPrintable(db.GetLastError());
+        EXPECT_TRUE(!opened || !db.BeginTransaction());
+        EXPECT_TRUE(db.IsBusy());
+        const QString error = db.GetLastError();
+        EXPECT_TRUE(error.contains("busy")) << qPrintable(error);
+        EXPECT_TRUE(error.contains(QStringLiteral("sqlite3 (process %1)").arg(holder.pid()))) << qPrintable(error);
+        EXPECT_TRUE(error.contains(m_path)) << qPrintable(error);
+    }
+    CDatabase::SetBusyTimeout(5000);
 }
 
 TEST_F(DatabaseTest, FindSearchQueriesFieldKindsRecordViewsAndPolygonFieldsReadAndWriteExactly) {
@@ -325,30 +346,6 @@ TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedAndTheManagerClosesEa
 
 // ---------------------------------------------------------------------------------------------
 // Faults: each comes out as a failure that says what went wrong and names the file.
-
-TEST_F(DatabaseTest, AFileHeldByAnotherProgramIsBusyAndItsHolderNamed) {
-    ASSERT_TRUE(m_db.Flush());
-    m_db.Close();
-    CDatabase::SetBusyTimeout(200);
-    struct Case {
-        const char* begin;
-        bool opens;  // readers still open the file; only writers wait
-    };
-    for (const Case& held : {Case{"BEGIN IMMEDIATE", true}, Case{"BEGIN EXCLUSIVE", false}}) {
-        SCOPED_TRACE(held.begin);
-        const bxqtest::LockHolder holder(m_path, held.begin);
-        CDatabase db;
-        const bool opened = db.Open(m_path, false);
-        ASSERT_EQ(opened, held.opens) << qPrintable(db.GetLastError());
-        EXPECT_TRUE(!opened || !db.BeginTransaction());
-        EXPECT_TRUE(db.IsBusy());
-        const QString error = db.GetLastError();
-        EXPECT_TRUE(error.contains("busy")) << qPrintable(error);
-        EXPECT_TRUE(error.contains(QStringLiteral("sqlite3 (process %1)").arg(holder.pid()))) << qPrintable(error);
-        EXPECT_TRUE(error.contains(m_path)) << qPrintable(error);
-    }
-    CDatabase::SetBusyTimeout(5000);
-}
 
 TEST(DatabaseFaults, AWholeCreateLeavesNothingOnFailureAndKeepsAFileMadeMeanwhile) {
     QTemporaryDir dir;
