@@ -54,10 +54,7 @@ constexpr double kMemberVolume = kSectionArea * 1000.0;
 CBooleanOperate operate() { return CBooleanOperate(true, true, true, true); }
 
 // A section extruded along Z from z = 0 to length, as a prism body and as a plain one.
-struct Extruded {
-    BodyPtr prism, plain;
-    double yMin, yMax;
-};
+struct Extruded { BodyPtr prism, plain; double yMin, yMax; };
 
 Extruded extrude(const CPolygon& section, double length) {
     TopoDS_Face face;
@@ -130,10 +127,7 @@ TEST(LineLoops, LinesArcsLoopsAndPolygonsHaveTheirAreasLengthsBoxesAndTurningSen
     // Chord from (0,0) to (10,0), radius 13: the centres lie 12 above or below the midpoint.
     const CPoint2d p(0, 0), q(10, 0);
     const double minor = 2 * std::atan2(5.0, 12.0);
-    const struct {
-        int type;
-        double centreY, midY, sweep;
-    } rows[] = {
+    const struct { int type; double centreY, midY, sweep; } rows[] = {
         {1, 12, -1, minor},               // minor, counter-clockwise: bulges right of the chord
         {2, -12, 1, -minor},              // minor, clockwise: bulges left
         {3, -12, -25, 2 * kPi - minor},   // major, counter-clockwise
@@ -406,11 +400,7 @@ TEST(KernelSplit, AHollowSectionsCutFaceKeepsItsHoleAndEachSideKeepsWhatLiesBeyo
     // Normal (1, 2, 10) through (20, 10, 300): at the section's centroid (50, 30) it is at z = 293.
     const double zAtCentroid = 300 - (1 * 30 + 2 * 20) / 10.0;
     const auto at = [](double z0) { return plane({0, 0, z0}, {0, 0, 1}); };
-    const struct {
-        const char* name;
-        CPlane plane;
-        double positiveVolume, negativeVolume;
-    } cases[] = {
+    const struct { const char* name; CPlane plane; double positiveVolume, negativeVolume; } cases[] = {
         {"oblique", plane({20, 10, 300}, {1, 2, 10}), kSectionArea * (1000 - zAtCentroid), kSectionArea * zAtCentroid},
         {"mid-span", at(400), kSectionArea * 600, kSectionArea * 400},
         {"misses beyond the tail", at(1500), 0, kMemberVolume},
@@ -514,10 +504,7 @@ CPlane across(double y, double z, double degrees, double zSign = 1) {
     return plane({0, y, z}, {0, std::sin(radians(degrees)), zSign * std::cos(radians(degrees))});
 }
 
-struct Measures {
-    double volume = 0, area = 0;
-    int faces = 0;
-};
+struct Measures { double volume = 0, area = 0; int faces = 0; };
 
 Measures measure(const CBody& body) {
     const TopoDS_Shape& shape = CBodyOcct::Shape(body);

@@ -139,10 +139,7 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningUnflushedWritesDoNotAndAHel
 
     // The closed file, held by another program, is busy and its holder named.
     CDatabase::SetBusyTimeout(200);
-    struct Case {
-        const char* begin;
-        bool opens;  // readers still open the file; only writers wait
-    };
+    struct Case { const char* begin; bool opens; };  // opens: readers still open the file; only writers wait
     for (const Case& held : {Case{"BEGIN IMMEDIATE", true}, Case{"BEGIN EXCLUSIVE", false}}) {
         SCOPED_TRACE(held.begin);
         const bxqtest::LockHolder holder(m_path, held.begin);
@@ -177,10 +174,7 @@ TEST_F(DatabaseTest, FindSearchQueriesFieldKindsRecordViewsAndPolygonFieldsReadA
     // Queries accept exactly the forms the library builds. Texts are compared as values: quotes,
     // SQL and LIKE wildcards in a name find only that name.
     addSection(m_table, 1, 1, L"a\"b\"c", 2.0);
-    const struct {
-        const wchar_t* query;
-        QList<std::wstring> names;
-    } accepted[] = {
+    const struct { const wchar_t* query; QList<std::wstring> names; } accepted[] = {
         {L"SectionType==3", {L"L100*10(ZDY)", L"L100*12(ZDY)"}},
         {L"SectionType==3 && SubID==2", {L"L100*10(ZDY)", L"L100*12(ZDY)"}},
         {L"SectionType == 7 && SubID == 1", {L"HN400*200*8*13(ZDY)"}},

@@ -341,10 +341,7 @@ TEST(SectionOutline, TextsAndTypesGiveTheirOutlinesAndBadOnesAreRefusedWithWhere
 
     // The outline check refuses every outline that is not one finite region.
     const QString rectangle = QStringLiteral("0,0,0,0;100,0,0,0;100,50,0,0;0,50,0,0");
-    const struct {
-        QString text;
-        const char* refusal;  // empty for a valid outline
-    } outlines[] = {
+    const struct { QString text; const char* refusal; } outlines[] = {  // refusal: empty for a valid outline
         {rectangle, ""},
         {rectangle + "|||50,25,10,50", ""},                                        // a round hole
         {rectangle + "|||10,10,0,0;30,10,0,0;30,30,0,0;10,30,0,0|||60,10,0,0;80,10,0,0;80,30,0,0", ""},
@@ -509,11 +506,7 @@ void expectRelative(double actual, double expected, double tolerance, const std:
     EXPECT_NEAR(actual, expected, tolerance * std::fabs(expected)) << what;
 }
 
-struct ExactCase {
-    const char* name;
-    QString text;
-    double area, ix, iy, wx, wy, zx, zy;
-};
+struct ExactCase { const char* name; QString text; double area, ix, iy, wx, wy, zx, zy; };
 
 TEST(SectionFigures, ModuliAreExactAnEqualAngleTurnsFortyFiveDegreesAndChannelAndIWarpingMatchThinWalledTheory) {
     const double r = 50, ro = 60, ri = 50, cI = kPi * std::pow(r, 4) / 4;
@@ -698,9 +691,7 @@ void expectClose(double actual, double expected, double tolerance, const char* w
     EXPECT_NEAR(actual, expected, tolerance * std::max(1.0, std::abs(expected))) << what;
 }
 
-struct Expected {
-    double area, cx, cy, ix, iy, ixy;
-};
+struct Expected { double area, cx, cy, ix, iy, ixy; };
 
 void expectProperties(const SKRSectionProperties& p, const Expected& e, double tolerance = 1e-12) {
     expectClose(p.area, e.area, tolerance, "area");

@@ -299,11 +299,7 @@ TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveFramesOffTheAxesAreFollowedAnd
     Member straight(&m_model, CoordinateSystem3());
     const CoordinateSystem3 axis;
     const CVector3 intoMember{0, 0, 1};
-    const struct {
-        double offset;
-        bool flipped;
-        double expectedDistance, keptLength;
-    } cases[] = {
+    const struct { double offset; bool flipped; double expectedDistance, keptLength; } cases[] = {
         {500, false, 500, kLength - 500},  // from the head, keeps the member beyond the plane
         {0.29, false, 0, kLength},         // under the threshold: no offset
         {0.3, false, 0.3, kLength - 0.3},  // at it: used as measured
@@ -389,11 +385,7 @@ TEST_F(ModelTrimming, EqualMembersShareOneSolidEachIsTheMembersOwnTrimFramesStan
     EXPECT_TRUE(error.contains(QStringLiteral("member 1 (H300*150*6*9)"))) << error.toStdString();
 
     // A member's head frame has its axis along Z with the section upright.
-    const struct {
-        CVector3 from, to;
-        double roll;
-        CVector3 x, y, z;
-    } cases[] = {
+    const struct { CVector3 from, to; double roll; CVector3 x, y, z; } cases[] = {
         {{0, 0, 0}, {10, 0, 0}, 0, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},    // beam along X: Y up
         {{0, 0, 0}, {0, 0, 10}, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},    // column: X stays X
         {{0, 0, 0}, {0, 0, -10}, 0, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}}, // hanging column
@@ -470,10 +462,7 @@ TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelectedAndUpdatesDropOnl
     const std::int64_t b = addCut(m_member, true, {0, 0, -500}, {0, 0, -1});
     Manager manager(&m_model, &m_viewer);
     manager.BuildDisplayNodes(m_member);
-    const struct {
-        std::int64_t record;
-        bool exclusive, aSelected, bSelected;
-    } steps[] = {
+    const struct { std::int64_t record; bool exclusive, aSelected, bSelected; } steps[] = {
         {a, true, false, true},   // selected a toggled off; b stays
         {b, true, false, false},  // the only selected plane toggled off: none left
         {a, true, true, false},   // a selected alone
