@@ -87,14 +87,12 @@ protected:
     CFileAddress m_first = kNullAddress;
 };
 
-}  // namespace
-
 // Field order and kinds come back from the file. Catalogue rows carry both "B" and "b", "D" and
 // "d" as parameters, which SQLite's columns do not tell apart, nor its row-address column from
 // "KDB_ADDR".
 // Writes after the last flush are discarded on closing, and a database opened read-only refuses
 // every write.
-TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
+TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningUnflushedWritesDoNotAndAHeldFileIsBusy) {
     CDBTable* table = m_db.CreateTable(L"Params", {{L"B", EnDBFieldKind::Int32, true},
                                                    {L"KDB_ADDR", EnDBFieldKind::Int32},
                                                    {L"b", EnDBFieldKind::Text, true},
@@ -138,66 +136,27 @@ TEST_F(DatabaseTest, TableDefinitionsSurviveReopeningAndUnflushedWritesDoNot) {
     read->Release();
     EXPECT_TRUE(table->Query(L"B==125", found));
     EXPECT_FALSE(table->Search(0, 80, found));
+
+    // The closed file, held by another program, is busy and its holder named.
+    CDatabase::SetBusyTimeout(200);
+    struct Case { const char* begin; bool opens; };  // opens: readers still open the file; only writers wait
+    for (const Case& held : {Case{"BEGIN IMMEDIATE", true}, Case{"BEGIN EXCLUSIVE", false}}) {
+        SCOPED_TRACE(held.begin);
+        const bxqtest::LockHolder holder(m_path, held.begin);
+        CDatabase db;
+        const bool opened = db.Open(m_path, false);
+        ASSERT_EQ(opened, held.opens) << qPrintable(db.GetLastError());
+        EXPECT_TRUE(!opened || !db.BeginTransaction());
+        EXPECT_TRUE(db.IsBusy());
+        const QString error = db.GetLastError();
+        EXPECT_TRUE(error.contains("busy")) << qPrintable(error);
+        EXPECT_TRUE(error.contains(QStringLiteral("sqlite3 (process %1)").arg(holder.pid()))) << qPrintable(error);
+        EXPECT_TRUE(error.contains(m_path)) << qPrintable(error);
+    }
+    CDatabase::SetBusyTimeout(5000);
 }
 
-TEST_F(DatabaseTest, EveryFieldKindRoundTripsExactly) {
-    CDBRecord* record = m_table->CreateRecord();
-    CCoord3 frame;
-    frame.origin = {1.5, -2.25, 1e-300};
-    frame.zAxis = {0, -1, 0};
-    const QByteArray bytes("\0\x01\xff polygon", 11);
-    EXPECT_TRUE(record->SetInt(0, -2147483647 - 1));
-    EXPECT_TRUE(record->SetString(2, L"截面 \"quoted\"; DROP TABLE x;--"));
-    EXPECT_TRUE(record->SetDouble(3, 0.1 + 0.2));
-    EXPECT_TRUE(record->SetInt64(5, 9007199254740993LL));
-    EXPECT_TRUE(record->SetBool(6, true));
-    EXPECT_TRUE(record->SetCoord3(7, frame));
-    EXPECT_TRUE(record->SetBytes(8, bytes));
-    EXPECT_TRUE(record->SetBytes(9, QByteArray()));
-    EXPECT_FALSE(record->SetDouble(2, 1.0));  // a text field takes no double
-    EXPECT_FALSE(record->SetInt(42, 1));
-    const CFileAddress address = m_table->AddRecord(record);
-    record->Release();
-    ASSERT_NE(address, kNullAddress);
-
-    CDBRecord* read = m_table->GetRecord(address);
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(read->GetInt(0), -2147483647 - 1);
-    EXPECT_EQ(read->GetInt(1, -1), -1);  // null gives the default
-    EXPECT_EQ(read->GetString(2), L"截面 \"quoted\"; DROP TABLE x;--");
-    EXPECT_EQ(read->GetDouble(3), 0.1 + 0.2);
-    EXPECT_EQ(read->GetInt64(5), 9007199254740993LL);
-    EXPECT_TRUE(read->GetBool(6));
-    EXPECT_EQ(read->GetCoord3(7), frame);
-    EXPECT_EQ(read->GetBytes(8), bytes);
-    EXPECT_EQ(read->GetString(3, L"default"), L"default");  // wrong kind gives the default
-    read->Release();
-}
-
-TEST_F(DatabaseTest, PolygonFieldsTakeAndGiveOnlyPolygons) {
-    CPolygon polygon, untouched;
-    polygon.AddLoop(rectangle(0, 0, 100, 50), true);
-    polygon.AddLoop(circle(20, 20, 10), true);
-    CDBRecord* record = m_table->CreateRecord();
-    EXPECT_FALSE(record->GetPolygon(8, untouched));  // null
-    EXPECT_FALSE(record->SetPolygon(9, polygon));    // a stream
-    EXPECT_FALSE(record->SetPolygon(2, polygon));
-    EXPECT_FALSE(record->SetPolygon(42, polygon));
-    EXPECT_TRUE(record->SetPolygon(8, polygon));
-    record->SetBytes(9, polygon.ToBytes());
-    const CFileAddress address = m_table->AddRecord(record);
-    record->Release();
-    CDBRecord* read = m_table->GetRecord(address);
-    ASSERT_NE(read, nullptr);
-    CPolygon back;
-    EXPECT_TRUE(read->GetPolygon(8, back));
-    EXPECT_EQ(back, polygon);
-    EXPECT_FALSE(read->GetPolygon(9, untouched));  // a stream, even one holding polygon bytes
-    EXPECT_TRUE(untouched.IsEmpty());
-    read->Release();
-}
-
-TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLibrarysForms) {
+TEST_F(DatabaseTest, FindSearchQueriesFieldKindsRecordViewsAndPolygonFieldsReadAndWriteExactly) {
     CFileAddressList all;
     ASSERT_TRUE(m_table->ListAll(all));
     EXPECT_EQ(namesOf(m_table, all),
@@ -215,10 +174,7 @@ TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLi
     // Queries accept exactly the forms the library builds. Texts are compared as values: quotes,
     // SQL and LIKE wildcards in a name find only that name.
     addSection(m_table, 1, 1, L"a\"b\"c", 2.0);
-    const struct {
-        const wchar_t* query;
-        QList<std::wstring> names;
-    } accepted[] = {
+    const struct { const wchar_t* query; QList<std::wstring> names; } accepted[] = {
         {L"SectionType==3", {L"L100*10(ZDY)", L"L100*12(ZDY)"}},
         {L"SectionType==3 && SubID==2", {L"L100*10(ZDY)", L"L100*12(ZDY)"}},
         {L"SectionType == 7 && SubID == 1", {L"HN400*200*8*13(ZDY)"}},
@@ -250,9 +206,41 @@ TEST_F(DatabaseTest, FindSearchAndListFollowTableOrderAndQueriesTakeExactlyTheLi
         EXPECT_FALSE(m_table->Query(query, list));
         EXPECT_EQ(list.GetCount(), 0);
     }
-}
 
-TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaultsAndChangesReachOnlyTheirRecord) {
+    // Every field kind round-trips exactly.
+    CDBRecord* record = m_table->CreateRecord();
+    CCoord3 frame;
+    frame.origin = {1.5, -2.25, 1e-300};
+    frame.zAxis = {0, -1, 0};
+    const QByteArray bytes("\0\x01\xff polygon", 11);
+    EXPECT_TRUE(record->SetInt(0, -2147483647 - 1));
+    EXPECT_TRUE(record->SetString(2, L"截面 \"quoted\"; DROP TABLE x;--"));
+    EXPECT_TRUE(record->SetDouble(3, 0.1 + 0.2));
+    EXPECT_TRUE(record->SetInt64(5, 9007199254740993LL));
+    EXPECT_TRUE(record->SetBool(6, true));
+    EXPECT_TRUE(record->SetCoord3(7, frame));
+    EXPECT_TRUE(record->SetBytes(8, bytes));
+    EXPECT_TRUE(record->SetBytes(9, QByteArray()));
+    EXPECT_FALSE(record->SetDouble(2, 1.0));  // a text field takes no double
+    EXPECT_FALSE(record->SetInt(42, 1));
+    const CFileAddress address = m_table->AddRecord(record);
+    record->Release();
+    ASSERT_NE(address, kNullAddress);
+
+    CDBRecord* read = m_table->GetRecord(address);
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->GetInt(0), -2147483647 - 1);
+    EXPECT_EQ(read->GetInt(1, -1), -1);  // null gives the default
+    EXPECT_EQ(read->GetString(2), L"截面 \"quoted\"; DROP TABLE x;--");
+    EXPECT_EQ(read->GetDouble(3), 0.1 + 0.2);
+    EXPECT_EQ(read->GetInt64(5), 9007199254740993LL);
+    EXPECT_TRUE(read->GetBool(6));
+    EXPECT_EQ(read->GetCoord3(7), frame);
+    EXPECT_EQ(read->GetBytes(8), bytes);
+    EXPECT_EQ(read->GetString(3, L"default"), L"default");  // wrong kind gives the default
+    read->Release();
+
+    // The record view reads by name with defaults, and changes reach only their record.
     const VMPDBRecord row(m_table, m_first);
     ASSERT_TRUE(row.isValid());
     EXPECT_EQ(row.getInteger("SectionType", -1), 7);
@@ -274,10 +262,32 @@ TEST_F(DatabaseTest, RecordViewReadsByNameWithDefaultsAndChangesReachOnlyTheirRe
     EXPECT_EQ(m_table->GetRecord(m_first), nullptr);
     CFileAddressList rest;
     m_table->ListAll(rest);
-    EXPECT_EQ(rest.GetCount(), 3);
+    EXPECT_EQ(rest.GetCount(), 5);  // the four, the two added above, less the deleted one
+
+    // Polygon fields take and give only polygons.
+    CPolygon polygon, untouched;
+    polygon.AddLoop(rectangle(0, 0, 100, 50), true);
+    polygon.AddLoop(circle(20, 20, 10), true);
+    CDBRecord* polygonRecord = m_table->CreateRecord();
+    EXPECT_FALSE(polygonRecord->GetPolygon(8, untouched));  // null
+    EXPECT_FALSE(polygonRecord->SetPolygon(9, polygon));    // a stream
+    EXPECT_FALSE(polygonRecord->SetPolygon(2, polygon));
+    EXPECT_FALSE(polygonRecord->SetPolygon(42, polygon));
+    EXPECT_TRUE(polygonRecord->SetPolygon(8, polygon));
+    polygonRecord->SetBytes(9, polygon.ToBytes());
+    const CFileAddress polygonAddress = m_table->AddRecord(polygonRecord);
+    polygonRecord->Release();
+    CDBRecord* readBack = m_table->GetRecord(polygonAddress);
+    ASSERT_NE(readBack, nullptr);
+    CPolygon back;
+    EXPECT_TRUE(readBack->GetPolygon(8, back));
+    EXPECT_EQ(back, polygon);
+    EXPECT_FALSE(readBack->GetPolygon(9, untouched));  // a stream, even one holding polygon bytes
+    EXPECT_TRUE(untouched.IsEmpty());
+    readBack->Release();
 }
 
-TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {
+TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedAndTheManagerClosesEachDatabaseOnce) {
     QTemporaryDir dir;
     CDatabase db;
     EXPECT_FALSE(db.Open(dir.filePath("missing.KDB"), true));
@@ -304,10 +314,8 @@ TEST(DatabaseFiles, MissingCorruptAndForeignFilesAreRefusedWithAReason) {
     EXPECT_EQ(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}, {L"A", EnDBFieldKind::Text}}), nullptr);
     EXPECT_NE(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}}), nullptr);
     EXPECT_EQ(created.CreateTable(L"T", {{L"A", EnDBFieldKind::Int32}}), nullptr);
-}
 
-TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
-    QTemporaryDir dir;
+    // The database manager closes one of its databases once and opens it again on request.
     {
         CDatabase db;
         ASSERT_TRUE(db.Create(dir.filePath("Some.KDB")));
@@ -332,30 +340,6 @@ TEST(DatabaseManager, ClosesOneOfItsDatabasesOnceAndOpensItAgainOnRequest) {
 
 // ---------------------------------------------------------------------------------------------
 // Faults: each comes out as a failure that says what went wrong and names the file.
-
-TEST_F(DatabaseTest, AFileHeldByAnotherProgramIsBusyAndItsHolderNamed) {
-    ASSERT_TRUE(m_db.Flush());
-    m_db.Close();
-    CDatabase::SetBusyTimeout(200);
-    struct Case {
-        const char* begin;
-        bool opens;  // readers still open the file; only writers wait
-    };
-    for (const Case& held : {Case{"BEGIN IMMEDIATE", true}, Case{"BEGIN EXCLUSIVE", false}}) {
-        SCOPED_TRACE(held.begin);
-        const bxqtest::LockHolder holder(m_path, held.begin);
-        CDatabase db;
-        const bool opened = db.Open(m_path, false);
-        ASSERT_EQ(opened, held.opens) << qPrintable(db.GetLastError());
-        EXPECT_TRUE(!opened || !db.BeginTransaction());
-        EXPECT_TRUE(db.IsBusy());
-        const QString error = db.GetLastError();
-        EXPECT_TRUE(error.contains("busy")) << qPrintable(error);
-        EXPECT_TRUE(error.contains(QStringLiteral("sqlite3 (process %1)").arg(holder.pid()))) << qPrintable(error);
-        EXPECT_TRUE(error.contains(m_path)) << qPrintable(error);
-    }
-    CDatabase::SetBusyTimeout(5000);
-}
 
 TEST(DatabaseFaults, AWholeCreateLeavesNothingOnFailureAndKeepsAFileMadeMeanwhile) {
     QTemporaryDir dir;
@@ -383,8 +367,6 @@ TEST(DatabaseFaults, AWholeCreateLeavesNothingOnFailureAndKeepsAFileMadeMeanwhil
 // The undoable command log: each command is undone and redone exactly (added, changed and deleted
 // rows), nesting makes one command, a new command drops the redo, and a database that no longer
 // matches a command refuses it without changing anything.
-
-namespace {
 
 class CommandLog : public DatabaseTest {
 protected:
@@ -444,7 +426,7 @@ TEST_F(CommandLog, AddedChangedAndDeletedRowsAreUndoneAndRedoneExactly) {
     EXPECT_EQ(m_log->database(), nullptr);  // closing forgets the log
 }
 
-TEST_F(CommandLog, NestedRecordingIsOneCommandAndEmptyCommandsAreNotKept) {
+TEST_F(CommandLog, NestingMakesOneCommandEmptyOnesAreNotKeptANewOneDropsTheRedoAndStaleOnesAreRefused) {
     EXPECT_FALSE(end(QString()));  // nothing open
     ASSERT_TRUE(m_log->beginCommandLog());
     ASSERT_TRUE(m_log->beginCommandLog());
@@ -463,9 +445,8 @@ TEST_F(CommandLog, NestedRecordingIsOneCommandAndEmptyCommandsAreNotKept) {
     ASSERT_TRUE(end(QStringLiteral("nothing")));
     EXPECT_FALSE(m_log->canUndo());
     EXPECT_TRUE(m_log->canRedo());  // an empty command does not drop the redo
-}
 
-TEST_F(CommandLog, ANewCommandDropsTheRedoAndAStaleCommandIsRefused) {
+    // A new command drops the redo, and a stale command is refused.
     ASSERT_TRUE(m_log->beginCommandLog());
     setWeight(m_table, m_first, 70.0);
     ASSERT_TRUE(end(QStringLiteral("a")));

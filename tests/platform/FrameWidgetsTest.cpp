@@ -9,14 +9,14 @@
 #include <QStandardItemModel>
 #include <QTest>
 
-TEST(FrameWidgets, AFrameThatMayNotResizeHasNoGripAndButtonsAreNotDefault) {
+TEST(FrameWidgets, SwitchesTableSignalsBoxesAndTheMainWindow) {
+    // A frame that may not resize has no grip, and buttons are not default.
     VantorFrame frame(nullptr, QStringLiteral("frame"));
     frame.setResizeEnabled(false);
     EXPECT_FALSE(frame.isSizeGripEnabled());
     EXPECT_FALSE(VantorPushButton(QStringLiteral("确定")).autoDefault());  // Return in a line edit must not press it
-}
 
-TEST(FrameWidgets, TableViewReportsSelectionAndDoubleClicks) {
+    // The table view reports selection and double clicks.
     QStandardItemModel model(3, 2);
     for (int row = 0; row < 3; ++row) model.setItem(row, 0, new QStandardItem(QStringLiteral("I%1").arg(row)));
     BXQVantorTableView view;
@@ -40,9 +40,8 @@ TEST(FrameWidgets, TableViewReportsSelectionAndDoubleClicks) {
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
     ASSERT_EQ(doubled.count(), 1);
     EXPECT_EQ(doubled.takeFirst().at(0).toModelIndex().row(), 2);
-}
 
-TEST(FrameWidgets, BoxesAreAnsweredByTheAnswererWithTheirTextsAndTheMainWindowIsForgottenWhenItGoes) {
+    // Boxes are answered by the answerer with their texts, and the main window is forgotten when it goes.
     QList<VMPMessageBox::Shown> shown;
     VMPMessageBox::setAnswerer([&shown](const VMPMessageBox::Shown& box) {
         shown << box;

@@ -102,12 +102,10 @@ protected:
 class CuttingPlaneReading : public Project {};
 class SolidSplit : public Project {};
 
-}  // namespace
-
 // ---------------------------------------------------------------------------------------------
 // Reading the planes
 
-TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaults) {
+TEST_F(CuttingPlaneReading, PlaneRecordsAndCutterShapesAreReadInOrderWithTheirDefaultsAndOtherSourcesGiveNone) {
     const CoordinateSystem3 oblique = frame({10, 20, 30}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     addPlane(42, true, &oblique);
     addPlane(7, false, &oblique);
@@ -128,18 +126,17 @@ TEST_F(CuttingPlaneReading, PlaneRecordsAreReadInOrderWithTheirDefaults) {
     EXPECT_EQ(entries.size(), 2u);
     CuttingPlaneEntries none;
     EXPECT_FALSE(ReadCuttingPlanes(db(), 43, none, false));
-}
 
-TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
+    // A missing model, database or table gives no planes.
     EXPECT_FALSE(HasCuttingPlanes(nullptr, 1, false));
     EXPECT_FALSE(HasCuttingPlanes(nullptr, 1, true));
-    CuttingPlaneEntries entries{{true, CoordinateSystem3()}};
-    EXPECT_FALSE(ReadCuttingPlanes(nullptr, 1, entries, false));
+    CuttingPlaneEntries untouched{{true, CoordinateSystem3()}};
+    EXPECT_FALSE(ReadCuttingPlanes(nullptr, 1, untouched, false));
     ndp::CDatabase bare;
     ASSERT_TRUE(bare.Create(m_dir.filePath("bare.KDB")));
-    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, false));
-    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, entries, true));
-    EXPECT_EQ(entries.size(), 1u);  // untouched
+    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, untouched, false));
+    EXPECT_FALSE(ReadCuttingPlanes(&bare, 1, untouched, true));
+    EXPECT_EQ(untouched.size(), 1u);  // untouched
 
     // Writing into a file without the tables is refused, naming the file and the table.
     CuttingPlaneRecord plane;
@@ -157,9 +154,8 @@ TEST_F(CuttingPlaneReading, MissingModelDatabaseOrTableGivesNoPlanes) {
         EXPECT_FALSE(write(&error)) << table;
         EXPECT_TRUE(error.contains(QLatin1String("bare.KDB")) && error.contains(QLatin1String(table))) << error.toStdString();
     }
-}
 
-TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormal) {
+    // Cutter solid shapes are head or tail cuts by their normal.
     // A member from (0,0,0) along +Z, 6000 long; three cutters and one shape of another kind.
     addShape(1, 0, 1, 6000, frame({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
     const CoordinateSystem3 tailCut = frame({0, 0, 5900}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
@@ -171,44 +167,41 @@ TEST_F(CuttingPlaneReading, CutterShapesAreHeadOrTailCutsByTheirNormal) {
     addShape(5, 1, 7, 10, sideways);
     EXPECT_TRUE(HasCuttingPlanes(&m_model, 1, true));
 
-    CuttingPlaneEntries entries;
-    ASSERT_TRUE(ReadCuttingPlanes(db(), 1, entries, true));
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_TRUE(entries[0].IsTail);
-    expectFrameNear(entries[0].LocalCoordinate, frame({0, 0, -100}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}));
-    EXPECT_FALSE(entries[1].IsTail);
-    expectFrameNear(entries[1].LocalCoordinate, headCut);
-    EXPECT_FALSE(entries[2].IsTail);  // exactly perpendicular to the member: a head cut
-    expectFrameNear(entries[2].LocalCoordinate, sideways);
+    CuttingPlaneEntries cutters;
+    ASSERT_TRUE(ReadCuttingPlanes(db(), 1, cutters, true));
+    ASSERT_EQ(cutters.size(), 3u);
+    EXPECT_TRUE(cutters[0].IsTail);
+    expectFrameNear(cutters[0].LocalCoordinate, frame({0, 0, -100}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}));
+    EXPECT_FALSE(cutters[1].IsTail);
+    expectFrameNear(cutters[1].LocalCoordinate, headCut);
+    EXPECT_FALSE(cutters[2].IsTail);  // exactly perpendicular to the member: a head cut
+    expectFrameNear(cutters[2].LocalCoordinate, sideways);
 
     // A member along global +X starting at (1000, 0, 0): local X = global Y, local Y = global Z.
     addShape(10, 0, 1, 2000, frame({1000, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}));
     addShape(11, 10, 7, 1, frame({2950, 10, 20}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}));
-    entries.clear();
-    ASSERT_TRUE(ReadCuttingPlanes(db(), 10, entries, true));
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_TRUE(entries[0].IsTail);
-    expectFrameNear(entries[0].LocalCoordinate, frame({10, 20, -50}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}));
-}
+    cutters.clear();
+    ASSERT_TRUE(ReadCuttingPlanes(db(), 10, cutters, true));
+    ASSERT_EQ(cutters.size(), 1u);
+    EXPECT_TRUE(cutters[0].IsTail);
+    expectFrameNear(cutters[0].LocalCoordinate, frame({10, 20, -50}, {1, 0, 0}, {0, 1, 0}, {0, 0, -1}));
 
-TEST_F(CuttingPlaneReading, ShapesWithoutCuttersOrLengthGiveNoPlanes) {
-    const CoordinateSystem3 member;
-    addShape(1, 0, 1, 1e-7, member);  // zero length within tolerance
-    addShape(2, 1, 7, 10, member);
-    addShape(10, 0, 1, 3000, member);
-    addShape(11, 10, 3, 10, member);  // acts on 10 but is no cutter
-    CuttingPlaneEntries entries;
-    for (const auto& [shape, has] : {std::pair{1, true}, std::pair{10, false}, std::pair{99, false}}) {  // 99: none
+    // Shapes without cutters or length give no planes.
+    const CoordinateSystem3 identity;
+    addShape(21, 0, 1, 1e-7, identity);  // zero length within tolerance
+    addShape(22, 21, 7, 10, identity);
+    addShape(30, 0, 1, 3000, identity);
+    addShape(31, 30, 3, 10, identity);  // acts on 30 but is no cutter
+    CuttingPlaneEntries nothing;
+    for (const auto& [shape, has] : {std::pair{21, true}, std::pair{30, false}, std::pair{99, false}}) {  // 99: nothing
         EXPECT_EQ(HasCuttingPlanes(&m_model, shape, true), has) << shape;
-        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, entries, true)) << shape;
+        EXPECT_FALSE(ReadCuttingPlanes(db(), shape, nothing, true)) << shape;
     }
-    EXPECT_TRUE(entries.empty());
+    EXPECT_TRUE(nothing.empty());
 }
 
 // ---------------------------------------------------------------------------------------------
 // Trimming one member
-
-namespace {
 
 constexpr double kWidth = 100, kDepth = 200, kLength = 6000;
 constexpr double kVolume = kWidth * kDepth * kLength;
@@ -256,13 +249,11 @@ CoordinateSystem3 tilted(double angle, double z) {
                  {0, -std::sin(angle), z * std::cos(angle)});
 }
 
-}  // namespace
-
-TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
+TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveFramesOffTheAxesAreFollowedAndOffsetPlanesTrim) {
     const double angle = 20 * M_PI / 180;
     // The wedge an oblique plane through the axis cuts off the section.
     const double wedge = kWidth * std::tan(angle) * (kDepth / 2) * (kDepth / 2) / 2;
-    const CoordinateSystem3 head = tilted(angle, 1), tail = tilted(angle, -1);
+    const CoordinateSystem3 tiltH = tilted(angle, 1), tiltT = tilted(angle, -1);
     const CoordinateSystem3 keepBeyond4000 = frame({0, 0, 4000}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
     const CoordinateSystem3 keepBefore3000 = frame({0, 0, -3000}, {1, 0, 0}, {0, -1, 0}, {0, 0, -1});
     const struct {
@@ -270,24 +261,23 @@ TEST_F(SolidSplit, AMembersPlanesKeepWhatTheyLeaveOrTheUncutBody) {
         std::vector<std::pair<bool, const CoordinateSystem3*>> planes;  // (is tail, frame or none)
         double volume;
         int bodiesMade;  // a second when the planes leave nothing
-    } cases[] = {
+    } plans[] = {
         {"no planes", {}, kVolume, 1},
-        {"oblique head and tail cuts remove their wedges", {{false, &head}, {true, &tail}}, kVolume - 2 * wedge, 1},
+        {"oblique head and tail cuts remove their wedges", {{false, &tiltH}, {true, &tiltT}}, kVolume - 2 * wedge, 1},
         {"a head plane without a frame: through the head, into the member", {{false, nullptr}}, kVolume, 1},
         {"a tail plane without a frame: at the end point, pointing away", {{false, nullptr}, {true, nullptr}}, kVolume, 2},
         {"two planes that remove everything", {{false, &keepBeyond4000}, {true, &keepBefore3000}}, kVolume, 2},
     };
     std::int64_t id = 100;
-    for (const auto& c : cases) {
+    for (const auto& c : plans) {
         SCOPED_TRACE(c.name);
         for (const auto& plane : c.planes) addPlane(id, plane.first, plane.second);
         Member member(&m_model, CoordinateSystem3(), id++);
         EXPECT_NEAR(volumeOf(ApplyCuttingPlanes(member, member)), c.volume, 1e-6 * kVolume);
         EXPECT_EQ(member.m_bodiesMade, c.bodiesMade);
     }
-}
 
-TEST_F(SolidSplit, FramesOfAMemberOffTheGlobalAxesAreFollowed) {
+    // Frames of a member off the global axes are followed.
     // Head at (1000, 500, 0), axis along global +X; a square cut 1000 into the member.
     const CoordinateSystem3 head = frame({1000, 500, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0});
     const CoordinateSystem3 cut = frame({0, 0, 1000}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1});
@@ -304,17 +294,12 @@ TEST_F(SolidSplit, FramesOfAMemberOffTheGlobalAxesAreFollowed) {
     EXPECT_NEAR(TailFrame(member).origin[0], 7000, 1e-9);
     member.m_kind = EnElementAxisKind::Other;
     EXPECT_EQ(TailFrame(member), head);
-}
 
-TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
-    Member member(&m_model, CoordinateSystem3());
+    // An offset plane trims by the measured distance above its threshold.
+    Member straight(&m_model, CoordinateSystem3());
     const CoordinateSystem3 axis;
     const CVector3 intoMember{0, 0, 1};
-    const struct {
-        double offset;
-        bool flipped;
-        double expectedDistance, keptLength;
-    } cases[] = {
+    const struct { double offset; bool flipped; double expectedDistance, keptLength; } cases[] = {
         {500, false, 500, kLength - 500},  // from the head, keeps the member beyond the plane
         {0.29, false, 0, kLength},         // under the threshold: no offset
         {0.3, false, 0.3, kLength - 0.3},  // at it: used as measured
@@ -322,14 +307,14 @@ TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.offset);
-        ndp::CBody* body = member.createBody();
+        ndp::CBody* body = straight.createBody();
         const CVector3 base = c.flipped ? CVector3{0, 0, kLength} : CVector3{0, 0, 0};
         const CVector3 point = ndp::operator+(base, CVector3{30, 40, c.flipped ? -c.offset : c.offset});
         EXPECT_NEAR(TrimBodyByOffsetPlane(point, axis, intoMember, base, body, c.flipped), c.expectedDistance, 1e-9);
         EXPECT_NEAR(volumeOf(body), kWidth * kDepth * c.keptLength, 1e-6 * kVolume);
     }
     // Keeping the side beyond the tail end leaves nothing: the body is released and null.
-    ndp::CBody* body = member.createBody();
+    body = straight.createBody();
     TrimBodyByOffsetPlane({0, 0, kLength}, axis, intoMember, {0, 0, kLength}, body, false);
     EXPECT_EQ(body, nullptr);
 }
@@ -337,8 +322,6 @@ TEST_F(SolidSplit, OffsetPlaneTrimsByTheMeasuredDistanceAboveItsThreshold) {
 // ---------------------------------------------------------------------------------------------
 // Trimming a whole model: members of equal section, length and cuts share one solid, each solid is
 // what ApplyCuttingPlanes gives the member alone.
-
-namespace {
 
 // A member along X from x0 at y = 1000, with a head plane at headZ tilted by degrees and a square
 // tail plane at tailZ before the end (none where the value is negative).
@@ -353,9 +336,7 @@ protected:
     }
 };
 
-}  // namespace
-
-TEST_F(ModelTrimming, EqualMembersShareOneSolidAndEverySolidIsTheMembersOwnTrim) {
+TEST_F(ModelTrimming, EqualMembersShareOneSolidEachIsTheMembersOwnTrimFramesStandUprightAndFailuresGiveNothing) {
     addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
     addTrimmed("H300*150*6*9", 4000, 9000, 90, 20, 200, 200);  // shares the first one's solid
     addTrimmed("H300*150*6*9", 4000, 0, 0, 30, 200, 200);
@@ -392,12 +373,8 @@ TEST_F(ModelTrimming, EqualMembersShareOneSolidAndEverySolidIsTheMembersOwnTrim)
     }
     const ndp::CRef<ndp::CBody> uncut(skr::body::SKRMemberSolidShape("H300*150*6*9", 4000, {}).createBody());
     EXPECT_NEAR(trim.solids[trim.members[4].solid]->Volume(), uncut->Volume(), 1e-9 * uncut->Volume());
-}
 
-TEST_F(ModelTrimming, ACancelledOrFailedTrimmingGivesNothingAndSaysWhy) {
-    addTrimmed("H300*150*6*9", 4000, 0, 0, 20, 200, 200);
-    SKRModelTrim trim;
-    QString error;
+    // A cancelled or failed trimming of the same members gives nothing and says why.
     EXPECT_FALSE(TrimModelMembers(db(), memberSolid, trim, &error, [](int, int) { return false; }));
     EXPECT_TRUE(trim.members.empty() && trim.solids.empty());
     EXPECT_TRUE(error.contains(QStringLiteral("cancelled")) && error.contains(QStringLiteral("project.KDB")))
@@ -406,12 +383,19 @@ TEST_F(ModelTrimming, ACancelledOrFailedTrimmingGivesNothingAndSaysWhy) {
     const auto noSolid = [](const QString&, double, const CoordinateSystem3&) { return std::unique_ptr<IVMPSolidShape>(); };
     EXPECT_FALSE(TrimModelMembers(db(), noSolid, trim, &error));
     EXPECT_TRUE(error.contains(QStringLiteral("member 1 (H300*150*6*9)"))) << error.toStdString();
+
+    // A member's head frame has its axis along Z with the section upright.
+    const struct { CVector3 from, to; double roll; CVector3 x, y, z; } cases[] = {
+        {{0, 0, 0}, {10, 0, 0}, 0, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},    // beam along X: Y up
+        {{0, 0, 0}, {0, 0, 10}, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},    // column: X stays X
+        {{0, 0, 0}, {0, 0, -10}, 0, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}}, // hanging column
+        {{0, 0, 0}, {10, 0, 0}, 90, {0, 0, 1}, {0, -1, 0}, {1, 0, 0}},  // rolled a quarter turn
+    };
+    for (const auto& c : cases) expectFrameNear(VMPMemberHeadFrame(c.from, c.to, c.roll), frame({0, 0, 0}, c.x, c.y, c.z));
 }
 
 // ---------------------------------------------------------------------------------------------
 // The cutting-plane display
-
-namespace {
 
 using Manager = SKRSplitPlaneDisplayManager;
 
@@ -478,10 +462,7 @@ TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelectedAndUpdatesDropOnl
     const std::int64_t b = addCut(m_member, true, {0, 0, -500}, {0, 0, -1});
     Manager manager(&m_model, &m_viewer);
     manager.BuildDisplayNodes(m_member);
-    const struct {
-        std::int64_t record;
-        bool exclusive, aSelected, bSelected;
-    } steps[] = {
+    const struct { std::int64_t record; bool exclusive, aSelected, bSelected; } steps[] = {
         {a, true, false, true},   // selected a toggled off; b stays
         {b, true, false, false},  // the only selected plane toggled off: none left
         {a, true, true, false},   // a selected alone
@@ -530,7 +511,7 @@ TEST_F(PlaneDisplay, ExclusiveToggleKeepsAtMostOnePlaneSelectedAndUpdatesDropOnl
 }
 
 // Element changes rebuild that element's nodes; a destroyed manager leaves no node and no observer.
-TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodesAndADestroyedManagerLeavesNothing) {
+TEST_F(PlaneDisplay, ElementChangesRebuildNodesADestroyedManagerLeavesNothingAndMovesAndAddsAreWritten) {
     const std::int64_t record = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
     {
         Manager manager(&m_model, &m_viewer);
@@ -555,10 +536,8 @@ TEST_F(PlaneDisplay, ElementChangesRebuildThatElementsNodesAndADestroyedManagerL
     // A later update reaches no destroyed manager.
     m_model.notifyUpdate(VMP_UPDATE_DATABASE);
     m_model.notifyElementChange(VMP_CHANGE_PROPERTY, m_model.getElementDrawObj(m_member), L"WorldPoly", true);
-}
 
-TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
-    const std::int64_t record = addCut(m_member, false, {0, 0, 500}, {0, 0, 1});
+    // The same plane, moved, and planes added write their records.
     Manager manager(&m_model, &m_viewer);
     std::int64_t element = -1;
     ASSERT_TRUE(manager.GetElementOfCuttingPlane(record, element));
@@ -598,18 +577,4 @@ TEST_F(PlaneDisplay, MovingAndAddingPlanesWritesTheirRecords) {
 
     manager.DeleteCuttingPlanesOfElement(m_member);
     EXPECT_FALSE(HasCuttingPlanes(&m_model, m_member, false));
-}
-
-TEST(MemberFrame, AxisAlongZWithTheSectionUpright) {
-    const struct {
-        CVector3 from, to;
-        double roll;
-        CVector3 x, y, z;
-    } cases[] = {
-        {{0, 0, 0}, {10, 0, 0}, 0, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}},    // beam along X: Y up
-        {{0, 0, 0}, {0, 0, 10}, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},    // column: X stays X
-        {{0, 0, 0}, {0, 0, -10}, 0, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}}, // hanging column
-        {{0, 0, 0}, {10, 0, 0}, 90, {0, 0, 1}, {0, -1, 0}, {1, 0, 0}},  // rolled a quarter turn
-    };
-    for (const auto& c : cases) expectFrameNear(VMPMemberHeadFrame(c.from, c.to, c.roll), frame({0, 0, 0}, c.x, c.y, c.z));
 }
