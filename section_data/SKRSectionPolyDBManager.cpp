@@ -30,7 +30,17 @@ void SKRSectionPolyDBManager::freeInstance() {
     m_pInstance = nullptr;
 }
 
-ndp::CDatabase* SKRSectionPolyDBManager::sectionPolyDB() { return m_pDatabase; }
+ndp::CDatabase* SKRSectionPolyDBManager::sectionPolyDB() {
+    // The database manager may have closed every database since (a host closing all its files
+    // without discarding this manager): the pointer is handed out only while the manager still
+    // holds that very database, and the file is opened again otherwise. Only pointer values are
+    // compared, so a database already freed is never touched.
+    if (m_pDatabase && m_pDatabase != VMPNDDBManager::nddbMgr()->openedNDDB(QLatin1String(kSectionPolyDBName))) {
+        m_pDatabase = nullptr;
+        initDB();
+    }
+    return m_pDatabase;
+}
 
 void SKRSectionPolyDBManager::initDB() {
     if (m_pDatabase) return;

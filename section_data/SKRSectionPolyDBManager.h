@@ -16,6 +16,8 @@ public:
     static SKRSectionPolyDBManager* instance();
     // Deletes the manager; the database it opened stays open with the database manager.
     static void freeInstance();
+    // The section database; opened again (and may throw as instance() does) when the database
+    // manager has closed it since.
     ndp::CDatabase* sectionPolyDB();
     // The translated "[path]文件不存在" of a missing data file.
     static QString missingFileMessage(const QString& path);

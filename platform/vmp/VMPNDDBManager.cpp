@@ -32,6 +32,11 @@ ndp::CDatabase* VMPNDDBManager::getNDDB(const QString& name, bool readOnly) {
     return result;
 }
 
+ndp::CDatabase* VMPNDDBManager::openedNDDB(const QString& name) const {
+    const auto open = m_databases.find(name);
+    return open == m_databases.end() ? nullptr : open->second.get();
+}
+
 bool VMPNDDBManager::closeNDDB(ndp::CDatabase* database) {
     for (auto it = m_databases.begin(); it != m_databases.end(); ++it) {
         if (it->second.get() != database) continue;

@@ -20,6 +20,8 @@ public:
     // when asked); null when it is missing, cannot be opened or is a damaged shipped file, with
     // the reason (naming the file) in lastError().
     ndp::CDatabase* getNDDB(const QString& name, bool readOnly);
+    // The database of that file name while it is open here, or null; opens nothing.
+    ndp::CDatabase* openedNDDB(const QString& name) const;
     // Why the last getNDDB that failed did; empty after one that succeeded.
     const QString& lastError() const { return m_lastError; }
     // Closes and destroys one database it handed out (unflushed writes are discarded); false when

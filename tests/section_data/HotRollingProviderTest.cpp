@@ -699,6 +699,11 @@ TEST_F(SectionRepositoryTest, DatabaseManagerReportsAMissingFileWithItsFullPathA
     ASSERT_NE(manager->sectionPolyDB(), nullptr);
     EXPECT_EQ(SKRSectionPolyDBManager::instance(), manager);
     EXPECT_NE(manager->sectionPolyDB()->GetTable(L"SectionPoly"), nullptr);
+    // A host that closes every database but keeps this manager gets the file opened again.
+    VMPNDDBManager::nddbMgr()->closeAll();
+    ASSERT_NE(manager->sectionPolyDB(), nullptr);
+    EXPECT_EQ(manager->sectionPolyDB(), VMPNDDBManager::nddbMgr()->openedNDDB(QStringLiteral("SKRSectionPolyDB.KDB")));
+    EXPECT_NE(manager->sectionPolyDB()->GetTable(L"SectionPoly"), nullptr);
     SKRSectionPolyDBManager::freeInstance();
     SKRSectionPolyDBManager::freeInstance();  // none left: nothing happens
 }

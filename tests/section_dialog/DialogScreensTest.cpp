@@ -53,7 +53,7 @@ enum class Teardown { DeleteWhileFocused, DeleteLaterWhileShown, CloseThenDelete
 QPointer<QWidget> typeIntoAField(QDialog* dialog) {
     dialog->show();
     QApplication::setActiveWindow(dialog);
-    QTest::qWaitForWindowExposed(dialog);
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog));
     for (QLineEdit* field : dialog->findChildren<QLineEdit*>()) {
         if (!field->isVisible() || !field->isEnabled()) continue;
         field->setFocus(Qt::OtherFocusReason);
@@ -187,8 +187,6 @@ TEST(SectionPreview, DrawsTheAreaTheTypedFiguresGive) {
     }
 }
 
-// In the pictures' suite: the section dialog is not made again in this process once a suite's
-// repository is gone.
 TEST_F(DialogScreens, EveryDialogGoesWholeHoweverItIsTornDown) {
     const std::pair<const char*, Factory> dialogs[] = {
         {"section library on a welded H",

@@ -36,8 +36,6 @@ using SectionPolyDialog = SectionDialogTest;
 
 Q_DECLARE_METATYPE(skr::section::SKRHotRollingSection)
 
-// The user-section suite comes first: the library dialog's suite ends in English, and its dialogs
-// are not made again in this process once that suite's repository is gone.
 namespace {
 
 class UserSectionDialog : public AnsweredBoxesTest {
