@@ -255,7 +255,9 @@ TEST_F(ShippedDatabase, EveryTypeExampleParsesToItsTypeWeldedDefaultsHoldTheirRu
         for (const SectionNormEntry& norm : norms) {
             QStringList names = norm.paramNames;
             names.sort();
-            if (norm.sectionType == scheme.polyId) EXPECT_EQ(codes, names);
+            if (norm.sectionType == scheme.polyId) {
+                EXPECT_EQ(codes, names);
+            }
         }
         if (scheme.groupId == 2) {
             WeldSectionNormParser norm;

@@ -175,9 +175,12 @@ TEST(SectionOutline, TextsAndTypesGiveTheirOutlinesAndBadOnesAreRefusedWithWhere
         const auto polygon = ParseSectionPolygon(text);
         ASSERT_TRUE(polygon);
         EXPECT_NEAR(polygon->Area(), c.area, c.area * 1e-9);
-        if (c.outerPerimeter > 0)
+        if (c.outerPerimeter > 0) {
             EXPECT_NEAR(polygon->GetLoop(0)->Length(), c.outerPerimeter, c.outerPerimeter * 1e-9);
-        if (c.arcs >= 0) EXPECT_EQ(arcCount(*polygon), c.arcs);
+        }
+        if (c.arcs >= 0) {
+            EXPECT_EQ(arcCount(*polygon), c.arcs);
+        }
         const ndp::CBox2d box = polygon->BoundingBox();
         EXPECT_NEAR(box.Min().x, 0.0, 1e-9);
         EXPECT_NEAR(box.Min().y, 0.0, 1e-9);

@@ -247,10 +247,16 @@ TEST(ParseTexts, ShortFormsSeparatorsNormalisationTypeCodesGroupsBoundsAndEachLa
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         const GSectionPolyInfo info = parse(QString::fromLatin1(row.text));
-        if (row.name) EXPECT_EQ(info.name, QString::fromLatin1(row.name));
-        if (row.type) EXPECT_EQ(info.sectionType, row.type);
-        if (row.type) EXPECT_EQ(info.groupType, SKRSectionPolyInfoParser::polyGroupType(row.type));
-        if (!row.params.isEmpty()) EXPECT_EQ(info.params, row.params);
+        if (row.name) {
+            EXPECT_EQ(info.name, QString::fromLatin1(row.name));
+        }
+        if (row.type) {
+            EXPECT_EQ(info.sectionType, row.type);
+            EXPECT_EQ(info.groupType, SKRSectionPolyInfoParser::polyGroupType(row.type));
+        }
+        if (!row.params.isEmpty()) {
+            EXPECT_EQ(info.params, row.params);
+        }
     }
 
     // Every type code gives its type and group.
