@@ -30,7 +30,7 @@ class PluginAbi : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
+TEST_F(PluginAbi, ExportedParserWorksThroughTheSharedLibraryWhichExportsOnlyTheHostInterface) {
     BXQExtend marker;
     SKRSectionPolyInfoParser parser;
     parser.parser(QStringLiteral("H400*200*8*13"));
@@ -43,9 +43,8 @@ TEST_F(PluginAbi, ExportedParserWorksThroughTheSharedLibrary) {
     EXPECT_TRUE(skr::util::RegisterObject("abi", &object, ""));
     EXPECT_EQ(skr::util::FetchObject("abi", ""), &object);
     EXPECT_TRUE(skr::util::UnRegisterObject("abi", ""));
-}
 
-TEST_F(PluginAbi, OnlyTheHostInterfaceIsExported) {
+    // Only the host interface is exported.
     const QString symbols = dynamicSymbols();
     ASSERT_FALSE(symbols.isEmpty()) << "nm could not read the plug-in";
     for (const char* exported : {"SKRSectionPolyInfoParser::parser(QString const&)",

@@ -7,9 +7,6 @@
 namespace bxqtest {
 
 struct ChineseAfterwards {
-    ChineseAfterwards() = default;
-    ChineseAfterwards(const ChineseAfterwards&) = delete;
-    ChineseAfterwards& operator=(const ChineseAfterwards&) = delete;
     ~ChineseAfterwards() { BXQInstallTranslation(QStringLiteral("zh")); }
 };
 
